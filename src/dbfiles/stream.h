@@ -1,0 +1,36 @@
+#pragma once
+// The thin layer under all file access of the core: buffered streams over POSIX descriptors.
+// Semantics follow C streams (error and end-of-file indicators that stay set, appending mode, a
+// flush of what is open at normal process exit); offsets are 64-bit bytes from the file's start.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace statecut {
+
+struct Stream;  // owned by whoever opened it, released by streamClose
+
+// Modes "rb", "wb", "w" (create, truncate) and "a+" (create, append). Null on failure, errno set.
+[[nodiscard]] Stream* streamOpen(const char* path, const char* mode);
+
+// 0, or -1 with errno set (not seekable, negative target). Clears the end-of-file indicator only.
+int streamSeek(Stream* stream, std::uint64_t offset);
+int streamSkip(Stream* stream, std::uint64_t distance);  // from the current position, forward
+
+// The number of bytes moved; a smaller number means end of file or an error (indicators, errno).
+std::size_t streamRead(Stream* stream, void* to, std::size_t count);
+std::size_t streamWrite(Stream* stream, const void* from, std::size_t count);
+
+int streamFlush(Stream* stream);  // 0, or -1 with errno set and the error indicator set
+int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno set. Null: 0
+
+[[nodiscard]] bool streamError(const Stream* stream);
+[[nodiscard]] bool streamEof(const Stream* stream);
+// errno of the first failure behind the error indicator, 0 when it is not set.
+[[nodiscard]] int streamErrno(const Stream* stream);
+
+// True when both names lead to one regular file, however aliased: by device and inode where they
+// exist, by resolved path (folder resolved, then the name) where neither does. Devices never.
+[[nodiscard]] bool sameFile(const char* a, const char* b);
+
+}  // namespace statecut

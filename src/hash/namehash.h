@@ -1,0 +1,37 @@
+#pragma once
+// The name hash index: one hashed index over six name tables, in memory or on disk.
+// Hash: FNV-1, 32 bits (Fowler, Noll, Vo), with this system's own step per byte.
+
+#include <cstdint>
+
+#include "log/procobj.h"
+
+namespace statecut {
+
+enum NameType : std::uint32_t {
+  kFirmNames = 0,
+  kStreetNames = 1,
+  kCityNames = 2,
+  kStreetStandards = 3,
+  kStreetPhonetics = 4,
+  kCityPhonetics = 5
+};
+
+inline constexpr std::uint32_t kFnvOffsetBasis = 2166136261u;
+inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
+
+std::uint32_t fnv_32_buf(const unsigned char* buffer, std::int32_t length, std::uint32_t seed);
+std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32_t length,
+                                  std::uint32_t seed);
+
+// The name's number (record position for types 2 and 5, byte offset for the others), or kNotFound.
+std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::uint32_t type,
+                         ProcObj* context);
+std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std::uint32_t type,
+                            ProcObj* proc);
+
+// Overwrites the number stored for a name (0 unlinks it). The number that was there, or -1.
+std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::uint32_t type,
+                           std::uint32_t newNumber);
+
+}  // namespace statecut

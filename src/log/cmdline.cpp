@@ -1,0 +1,7 @@
+#include "log/cmdline.h"
+
+namespace statecut {
+
+CmdLine cmdLine{};
+
+}  // namespace statecut

@@ -1,0 +1,7 @@
+#include "tables/refpointers.h"
+
+namespace statecut {
+
+std::array<RefSlot, kSlotCount> refPointers{};
+
+}  // namespace statecut
