@@ -72,7 +72,11 @@ struct ProcObj {
 
 extern ProcObj* pProcObj;  // null until the run driver or a library user sets it
 
-// Set by the run driver at the start and at the end of a run; the cut stamps its low 32 bits.
+// Set by the run driver at the start and at the end of a run.
 extern std::time_t dateAndTime;
+
+// What the cut stamps into its outputs: SOURCE_DATE_EPOCH when that variable holds decimal digits
+// alone, else dateAndTime; the low 32 bits of either.
+[[nodiscard]] std::uint32_t stateCutTimeStamp();
 
 }  // namespace statecut

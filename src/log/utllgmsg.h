@@ -31,6 +31,11 @@ inline constexpr std::int32_t kMsgText = 10;       // "%s"
 inline constexpr std::int32_t kMsgRefRead = 25;    // "Could not read Reference db partition: %s"
 inline constexpr std::int32_t kMsgRangeRead = 26;  // "Could not read Range db record: %s"
 
+inline constexpr std::int32_t kLogMsgCount = 100;  // numbers 0 to 99
+
+// The printf format of a message number, or null when the number has none.
+[[nodiscard]] const char* logMsgText(std::int32_t number);
+
 // The place that a record names: a source file of the system and a line in it. Records with a
 // fixed line carry it as a constant, whatever C++ file they stand in.
 struct LogSite {
@@ -41,8 +46,14 @@ struct LogSite {
 inline constexpr std::int32_t kLogOpenFailed = -2001;
 inline constexpr std::int32_t kLogWriteFailed = -2003;
 
-// Opens the log for appending and writes its first records. 0, kLogOpenFailed or kLogWriteFailed.
-std::int32_t utlInitLog(std::int32_t level, const char* fileName, ProcObj* proc);
+extern std::int32_t processId;  // taken when the log opens, shown in every record
+
+// Opens the log for appending and writes its first records. Level 0 and an empty or null name open
+// no file; the empty name lowers the level to 2. 0, kLogOpenFailed or kLogWriteFailed.
+[[nodiscard]] std::int32_t utlInitLog(std::int32_t level, const char* fileName, ProcObj* proc);
+
+// Reports a log that cannot be opened on standard error; returns kLogOpenFailed.
+[[nodiscard]] std::int32_t utlLogOpenFailed(const char* fileName, int error);
 
 // Formats message `number` with the further arguments and writes one record when the level lets
 // it. A null text argument must be passed as "". 0 (written or filtered out) or kLogWriteFailed.
@@ -51,14 +62,18 @@ std::int32_t utlWriteLogMsg(ProcObj* proc, const char* source, std::int32_t line
                             std::int32_t number, ...);
 
 // Characters written to the stream, or to standard output when it is null; negative on failure.
+// No level filters it, and the top-of-form flag has no effect.
 std::int32_t utlWriteText(const char* text, Stream* stream, const char* topOfForm);
-void utlWTO(const char* text);
-char* utlTOF(char* flag);
-std::int32_t utlLogMsgClose(Stream** stream);
+void utlWTO(const char* text);                 // to standard error
+char* utlTOF(char* flag);                      // sets the 2-character flag to "1", returns it
+std::int32_t utlLogMsgClose(Stream** stream);  // closes and nulls it; always 0
 
-// "name:0007" in a static buffer of 55 characters, overwritten by the next call.
+// "name:0007" in a static buffer of 55 characters, overwritten by the next call. The name loses
+// its directory and extension; a null one gives the empty text.
 const char* buildLogID(const char* source, std::int32_t line);
 
+// Copies at most `width` (1 to 255) characters; pads up to `width` without a terminator when the
+// switch is on, else terminates within `width`. Nothing for nulls and other widths.
 void UtlLogCopyPad(char* to, const char* from, std::int32_t width, std::int32_t padSwitch,
                    char padCharacter);
 
