@@ -1,0 +1,52 @@
+#include "dbfiles/blockread.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
+namespace statecut {
+
+char msgText[kMsgTextSize] = {};
+
+void logFormatted(std::span<char> buffer, ProcObj* proc, LogSite site, std::int32_t severity,
+                  const char* title, std::uint32_t reason, const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+  va_end(arguments);
+  utlWriteLogMsg(proc, site.source, site.line, severity, title, reason, kMsgText, buffer.data());
+}
+
+void reportShortRead(const Stream* fp, std::size_t requested, std::size_t got, int error,
+                     ProcObj* proc, LogSite site, std::span<char> buffer) {
+  const auto requestedLine = [&] {
+    logFormatted(buffer, proc, site, kDebug, "DB Read Error", kReasonRead,
+                 "Requested Bytes: %d, Actual bytes read: %d\n",
+                 static_cast<std::int32_t>(requested), static_cast<std::int32_t>(got));
+  };
+  if (!streamEof(fp)) requestedLine();
+  if (streamError(fp)) {
+    logFormatted(buffer, proc, site, kError, "DB Read Error", kReasonRead, "errno=%d:%s\n", error,
+                 std::strerror(error));
+    requestedLine();
+  }
+}
+
+Stream* openPath(const char* path, const char* mode) {
+  if (path == nullptr) {
+    errno = EINVAL;
+    return nullptr;
+  }
+  return streamOpen(path, mode);
+}
+
+void formatTimeStamp(std::uint32_t stamp, char (&text)[kTimeTextSize]) {
+  const auto seconds = static_cast<std::time_t>(stamp);
+  const std::tm* local = std::localtime(&seconds);
+  if (local == nullptr || std::strftime(text, sizeof text, "%m-%d-%Y %H:%M:%S", local) == 0)
+    text[0] = '\0';
+}
+
+}  // namespace statecut

@@ -1,0 +1,88 @@
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "dbfiles/apiutil.h"
+#include "dbfiles/blockread.h"
+#include "dbfiles/dbaccess.h"
+#include "log/cmdline.h"
+
+namespace statecut {
+
+namespace {
+
+// Opens the database for reading and logs which one, or why not ("ref/city", "range/zip4").
+Stream* openDatabase(const char* kind, const char* path) {
+  char text[kDbaccessTextSize];
+  Stream* const stream = openPath(path, "rb");
+  if (stream == nullptr) {
+    const int error = errno;
+    logFormatted(text, pProcObj, {kDbaccess, __LINE__}, kError, "Error", kReasonNone,
+                 "Could not open %s db: %s\nErrno = %d : %s\n", kind, textOf(path), error,
+                 std::strerror(error));
+    return nullptr;
+  }
+  std::snprintf(text, sizeof text, "Opened %s db: ", kind);
+  utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kInfo, "Info", kReasonNone, kMsgTextText, text,
+                 textOf(path));
+  return stream;
+}
+
+void reportNoControlRecord(const char* title, const char* text) {
+  utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kError, title, kReasonNone, kMsgText, text);
+}
+
+}  // namespace
+
+std::int32_t openRefDb() {
+  if (pProcObj == nullptr || pProcObj->files == nullptr) return kRefDbNotOpened;
+  Stream* const stream = openDatabase("ref/city", cmdLine.refDb);
+  pProcObj->files->reference = stream;
+  if (stream == nullptr) return kRefDbNotOpened;
+
+  const RefControlRec* const record = ReadRefControlRec(stream, pProcObj);
+  if (record == nullptr) {
+    // An error under a warning's title; that is meant, the range side says "Error".
+    reportNoControlRecord("Warning", "Could not read ref/city db control record.");
+    return kControlRecNotRead;
+  }
+  if ((record->get(RefControlRec::typeFlags) & kTypeReference) == 0) {
+    utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kError, "RefDB Read Err", kReasonNone,
+                   kMsgRefRead, "Ref/City DB Type Incorrect");
+    return kDbWrongType;
+  }
+  dbDebugControlRecord(pProcObj);
+  if (checkPlatform(record->get(RefControlRec::endianType),
+                    record->get(RefControlRec::characterType), textOf(cmdLine.refDb)) != 0)
+    return kPlatformRefused;
+  return 0;
+}
+
+std::int32_t openRangeDb() {
+  if (pProcObj == nullptr || pProcObj->files == nullptr) return kRangeDbNotOpened;
+  Stream* const stream = openDatabase("range/zip4", cmdLine.rangeDb);
+  pProcObj->files->range = stream;
+  if (stream == nullptr) return kRangeDbNotOpened;
+
+  const RngControlRec* const record = pProcObj->rngControlRec =
+      ReadRangeControlRec(stream, pProcObj);
+  if (record == nullptr) {
+    reportNoControlRecord("Error", "Could not read range/zip4 db control record.");
+    return kControlRecNotRead;
+  }
+  if ((record->get(RngControlRec::typeFlags) & kTypeRange) == 0) {
+    utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kError, "RngDB Err", kReasonNone, kMsgRangeRead,
+                   "Range/Zip4 DB Type Incorrect");
+    return kDbWrongType;
+  }
+  dbDebugRngControlRec(pProcObj);
+  if (checkPlatform(record->get(RngControlRec::endianType),
+                    record->get(RngControlRec::characterType), textOf(cmdLine.rangeDb)) != 0)
+    return kPlatformRefused;
+  return 0;
+}
+
+// The hook at which a database of another byte order or character set would be refused.
+std::int32_t checkPlatform(std::uint8_t, std::uint8_t, const char*) { return 0; }
+
+}  // namespace statecut
