@@ -142,4 +142,24 @@ struct HashOverflowRow : Row<6> {
 };
 STATECUT_ROW(HashOverflowRow, 6);
 
+// A 16-bit key of the key lists.
+struct KeyRow : Row<2> {
+  static constexpr Num<0, 2> key{"key", "a ZIP, city or finance key"};
+  static constexpr auto fields = std::tuple(key);
+};
+STATECUT_ROW(KeyRow, 2);
+
+// An entry of the city multi-ZIP lists.
+struct CityZipKeyRow : Row<6> {
+  static constexpr Text<0, 6> entry{"entry", "not interpreted"};
+  static constexpr auto fields = std::tuple(entry);
+};
+STATECUT_ROW(CityZipKeyRow, 6);
+
+struct GeneralDeliveryRow : Row<4> {
+  static constexpr Text<0, 4> entry{"entry", "not interpreted"};
+  static constexpr auto fields = std::tuple(entry);
+};
+STATECUT_ROW(GeneralDeliveryRow, 4);
+
 }  // namespace statecut

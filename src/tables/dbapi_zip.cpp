@@ -1,0 +1,75 @@
+#include "tables/rows.h"
+#include "tables/tableload.h"
+
+namespace statecut {
+
+namespace {
+
+using Ref = RefControlRec;
+
+constexpr std::uint32_t kZipIndexBytes = 200000;
+constexpr std::uint32_t kPatternBytes = 18;
+
+constexpr TableInfo kZipData[] = {
+    {kSlotZipData, "Zip Code Data", Ref::zipDataRba.at,
+     counted(Ref::zipDataCount, ZipDataRow::size), -5},
+    {kSlotZipMultiCity, "Zip Multi City Data", Ref::zipMultiCityListsRba.at,
+     counted(Ref::zipMultiCityListsCount, 4), -5},
+    {kSlotZipIndex, "Zip Code Index", Ref::zipIndexRba.at, fixedSize(kZipIndexBytes), -5}};
+
+// "Unique Zips" in the size line, "Unique ZIPs" in the reports; both are meant.
+constexpr TableInfo kUniqueZips[] = {{kSlotUniqueZips, "Unique Zips", Ref::uniqueZipsRba.at,
+                                      counted(Ref::uniqueZipsCount, 12), -6, Reports::kErrors,
+                                      "Unique ZIPs", "Unique ZIPs"}};
+
+constexpr TableInfo kMultiZip[] = {{kSlotMultiZip, "Multi Zip Table", Ref::multiZipListsRba.at,
+                                    counted(Ref::multiZipListsCount, 4), -16}};
+
+constexpr TableInfo kBytes[] = {
+    {kSlotZipBytes, "Zip Bytes Table", Ref::zipBytesRba.at,
+     counted(Ref::zipDataCount, ZipBytesRow::size), -17},
+    {kSlotSfhMultiZipBytes, "Multi-Zip SFH Bytes Table", Ref::sfhMultiZipBytesRba.at,
+     counted(Ref::sfhMultiZipBytesCount, MultiZipBytesLong::size), -17},
+    {kSlotPobMultiZipBytes, "Multi-Zip POB Bytes Table", Ref::pobMultiZipBytesRba.at,
+     counted(Ref::pobMultiZipBytesCount, MultiZipBytesLong::size), -17},
+    {kSlotRrMultiZipBytes, "Multi-Zip RR Bytes Table", Ref::rrMultiZipBytesRba.at,
+     counted(Ref::rrMultiZipBytesCount, MultiZipBytesLong::size), -17}};
+
+constexpr TableInfo kScfs[] = {
+    {kSlotScfs, "SCF Table", Ref::scfsRba.at, counted(Ref::scfsCount, 4), -15}};
+
+constexpr TableInfo kPatterns[] = {
+    {kSlotSfhPatterns, "SFH Pattern Table", Ref::streetPatternsRba.at,
+     counted(Ref::streetPatternsCount, kPatternBytes), -1},
+    {kSlotPobPatterns, "POB Pattern Table", Ref::pobPatternsRba.at,
+     counted(Ref::pobPatternsCount, kPatternBytes), -1},
+    {kSlotRrPatterns, "RR Pattern Table", Ref::rrPatternsRba.at,
+     counted(Ref::rrPatternsCount, kPatternBytes), -1}};
+
+}  // namespace
+
+std::int32_t dbReadZipData(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
+  return loadTables("dbReadZipData", kZipData, file, controlRecord, proc);
+}
+
+std::int32_t dbReadUniqueZips(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
+  return loadTables("dbReadUniqueZips", kUniqueZips, file, controlRecord, proc);
+}
+
+std::int32_t dbReadMultiZipTable(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
+  return loadTables("dbReadMultiZipTable", kMultiZip, file, controlRecord, proc);
+}
+
+std::int32_t dbReadBytesTables(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
+  return loadTables("dbReadBytesTables", kBytes, file, controlRecord, proc);
+}
+
+std::int32_t dbReadSCFTable(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
+  return loadTables("dbReadSCFTable", kScfs, file, controlRecord, proc);
+}
+
+std::int32_t dbReadPatternTables(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
+  return loadTables("dbReadPatternTables", kPatterns, file, controlRecord, proc);
+}
+
+}  // namespace statecut
