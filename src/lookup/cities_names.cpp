@@ -1,0 +1,139 @@
+// City names by key and by exact name.
+
+#include <array>
+#include <cstring>
+
+#include "hash/namehash.h"
+#include "lookup/cities.h"
+#include "lookup/dispatch.h"
+#include "lookup/support.h"
+
+namespace statecut {
+
+namespace {
+
+constexpr std::int32_t kMaxName = CityNameRow::name.width;
+constexpr std::int32_t kMaxHashKey = 30;
+
+// The control record when `key` is a city name key, else null.
+const RefControlRec* refForKey(std::int32_t key) {
+  const RefControlRec* ref = refRecord();
+  const bool valid = ref != nullptr && key >= 1 &&
+                     static_cast<std::uint32_t>(key) <= ref->get(RefControlRec::cityNamesCount);
+  return valid ? ref : nullptr;
+}
+
+CityNameRow* nameInMemory(std::int32_t index) {
+  const RefControlRec* ref = refRecord();
+  if (ref == nullptr) return nullptr;
+  return rowAt<CityNameRow>(kSlotCityNames, static_cast<std::uint32_t>(index),
+                            ref->get(RefControlRec::cityNamesCount));
+}
+
+CityNameRow* nameOnDisk(std::int32_t index, CityNameRow* record) {
+  const RefControlRec* ref = refRecord();
+  if (ref == nullptr) return nullptr;
+  readRow(ref->get(RefControlRec::cityNamesRba), static_cast<std::uint32_t>(index), record);
+  return record;
+}
+
+// The hash key of a city: its state, then its name.
+struct CityKey {
+  std::array<char, kMaxHashKey> text{};
+  std::int32_t length = 0;
+
+  CityKey(const char* state, const char* name, std::int32_t nameLength) : length(nameLength + 2) {
+    std::memcpy(text.data(), state, 2);
+    if (nameLength > 0) std::memcpy(text.data() + 2, name, static_cast<std::size_t>(nameLength));
+  }
+};
+
+std::int32_t cityIndex(const char* state, const char* name, std::int32_t length) {
+  return orFirst(lookupsOf(pProcObj).pfnFindCityIndex, dbFindCityIndexFirst)(state, name, length);
+}
+
+}  // namespace
+
+CityNameRow* dbGetCityUSPS(std::int32_t key) {
+  const Trace trace(kCitiesSource);
+  if (refForKey(key) == nullptr) return nullptr;
+  CityNameRow* record = nameInMemory(key);
+  // Writes its Entering line a second time and no Leaving line. Meant.
+  if (record != nullptr) trace.again();
+  return record;
+}
+
+CityNameRow* dbGetCityUSPSOff(std::int32_t key) {
+  const Trace trace(kCitiesSource);
+  static CityNameRow cityName{};
+  if (refForKey(key) == nullptr) return nullptr;
+  return trace.leave(nameOnDisk(key, &cityName));
+}
+
+CityNameRow* dbGetCityUSPSOffwc(std::int32_t key) {
+  const Trace trace(kCitiesSource);
+  static CityNameRow cityName{};
+  const RefControlRec* ref = refForKey(key);
+  if (ref == nullptr || !readRowCached(ref->get(RefControlRec::cityNamesRba),
+                                       static_cast<std::uint32_t>(key), &cityName))
+    return nullptr;
+  return trace.leave(&cityName);
+}
+
+CityNameRow* dbGetCityName(const std::uint32_t* key) {
+  const Trace trace(kCitiesSource);
+  if (key == nullptr) return nullptr;
+  return orFirst(lookupsOf(pProcObj).pfnGetCityUSPS,
+                 dbGetCityUSPSFirst)(static_cast<std::int32_t>(*key));
+}
+
+std::int32_t dbFindCityNameIdx(const char* key, std::int32_t length, ProcObj* proc) {
+  const Trace trace(kCitiesSource);
+  return length > kMaxHashKey ? -1 : hashIn(key, length, kCityNames, proc);
+}
+
+std::int32_t dbFindCityNameIdxOff(const char* key, std::int32_t length, ProcObj* proc) {
+  const Trace trace(kCitiesSource);
+  return length > kMaxHashKey ? -1 : hashOff(key, length, kCityNames, proc);
+}
+
+std::int32_t dbFindCityHashIn(const char* state, const char* name, std::int32_t length) {
+  const Trace trace(kCitiesSource);
+  if (length < 0 || length > kMaxName) return -1;
+  const CityKey key(state, name, length);
+  return trace.leave(dbFindCityNameIdx(key.text.data(), key.length, pProcObj));
+}
+
+std::int32_t dbFindCityHashOff(const char* state, const char* name, std::int32_t length) {
+  const Trace trace(kCitiesSource);
+  if (length < 0 || length > kMaxName) return -1;
+  const CityKey key(state, name, length);
+  return trace.leave(dbFindCityNameIdxOff(key.text.data(), key.length, pProcObj));
+}
+
+CityNameRow* dbFindCityIn(const char* state, const char* name, std::int32_t length) {
+  const Trace trace(kCitiesSource);
+  const std::int32_t index = cityIndex(state, name, length);
+  return index == -1 ? nullptr : trace.leave(nameInMemory(index));
+}
+
+CityNameRow* dbFindCityOff(const char* state, const char* name, std::int32_t length) {
+  const Trace trace(kCitiesSource);
+  static CityNameRow cityName{};
+  const std::int32_t index = cityIndex(state, name, length);
+  return index == -1 ? nullptr : trace.leave(nameOnDisk(index, &cityName));
+}
+
+CityNameRow* dbFindCityFirst(const char* state, const char* name, std::int32_t length) {
+  const Trace trace(kCitiesSource);
+  static CityNameRow cityName{};
+  dbFindCity = dbFindCityIn;
+  const std::int32_t index = cityIndex(state, name, length);
+  if (index == -1) return nullptr;
+  if (loaded(kSlotCityNames)) return trace.leave(nameInMemory(index));
+  // The one first call that does not try to load the table. Meant.
+  dbFindCity = dbFindCityOff;
+  return trace.leave(nameOnDisk(index, &cityName));
+}
+
+}  // namespace statecut

@@ -1,0 +1,133 @@
+// Cities by the phonetic code of their name. None of these functions writes trace lines.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "hash/namehash.h"
+#include "lookup/cities.h"
+#include "lookup/dispatch.h"
+#include "lookup/support.h"
+
+namespace statecut {
+
+namespace {
+
+constexpr std::int32_t kMaxCode = 28;
+constexpr std::int32_t kMaxKey = 21;
+constexpr std::int32_t kMaxCount = 9;
+
+// Stores the index of state and code, -1 when there is none.
+std::int32_t phoneticIndex(const char* state, const char* code, std::int32_t length,
+                           std::int32_t* index) {
+  *index = -1;
+  if (length < 0 || length > kMaxCode) return -1;
+  std::array<char, kMaxCode + 2> key{};
+  std::memcpy(key.data(), state, 2);
+  if (length > 0) std::memcpy(key.data() + 2, code, static_cast<std::size_t>(length));
+  *index = orFirst(lookupsOf(pProcObj).pfnFindCityPhIdx, findCityPhIdxFirst)(key.data(), length + 2,
+                                                                             pProcObj);
+  return *index;
+}
+
+void storeCount(const CityPhoneticRow& record, std::int32_t* count) {
+  *count = std::min<std::int32_t>(record.get(CityPhoneticRow::count), kMaxCount);
+}
+
+CityPhoneticRow* phoneticInMemory(std::int32_t index) {
+  const RefControlRec* ref = refRecord();
+  if (ref == nullptr) return nullptr;
+  return rowAt<CityPhoneticRow>(kSlotCityPhonetics, static_cast<std::uint32_t>(index),
+                                ref->get(RefControlRec::cityPhoneticsCount));
+}
+
+bool phoneticsFail(ProcObj* proc) {
+  return loadFails(kSlotCityPhonetics, dbReadCityPhonetics, proc);
+}
+
+bool hashFails(ProcObj* proc) {
+  return loaded(kSlotCityPhonetics) && loadFails(kSlotHashTable, dbReadHashedNames, proc);
+}
+
+void phoneticsOff(LookupPointers& pointers) {
+  pointers.pfnGetCityPh = dbGetCityPhOff;
+  dbFindCityPh = dbFindCityPhOff;
+  pointers.pfnFindCityPhIdx = findCityPhIdxOff;
+}
+
+}  // namespace
+
+std::int32_t findCityPhIdx(const char* key, std::int32_t length, ProcObj* proc) {
+  return length > kMaxKey ? -1 : hashIn(key, length, kCityPhonetics, proc);
+}
+
+std::int32_t findCityPhIdxOff(const char* key, std::int32_t length, ProcObj* proc) {
+  return length > kMaxKey ? -1 : hashOff(key, length, kCityPhonetics, proc);
+}
+
+CityPhoneticRow* dbFindCityPhIn(const char* state, const char* code, std::int32_t length,
+                                std::int32_t* count, std::int32_t* index) {
+  if (length > kMaxCode) return nullptr;
+  if (phoneticIndex(state, code, length, index) == -1) return nullptr;
+  CityPhoneticRow* record = phoneticInMemory(*index);
+  if (record != nullptr) storeCount(*record, count);
+  return record;
+}
+
+CityPhoneticRow* dbFindCityPhOff(const char* state, const char* code, std::int32_t length,
+                                 std::int32_t* count, std::int32_t* index) {
+  static CityPhoneticRow cityPhBuff{};
+  // Unlike the In variant, a code that is too long is a miss with index -1.
+  if (phoneticIndex(state, code, length, index) == -1) return nullptr;
+  const RefControlRec* ref = refRecord();
+  if (ref == nullptr) return nullptr;
+  readRow(ref->get(RefControlRec::cityPhoneticsRba), static_cast<std::uint32_t>(*index),
+          &cityPhBuff);
+  storeCount(cityPhBuff, count);
+  return &cityPhBuff;
+}
+
+CityPhoneticRow* dbGetCityPh(std::int32_t index) {
+  return index < 1 ? nullptr : phoneticInMemory(index);
+}
+
+CityPhoneticRow* dbGetCityPhOff(std::int32_t index) {
+  static CityPhoneticRow cityPhBuff{};
+  const RefControlRec* ref = refRecord();
+  if (ref == nullptr || index < 1 ||
+      static_cast<std::uint32_t>(index) > ref->get(RefControlRec::cityPhoneticsCount))
+    return nullptr;
+  readRow(ref->get(RefControlRec::cityPhoneticsRba), static_cast<std::uint32_t>(index),
+          &cityPhBuff);
+  return &cityPhBuff;
+}
+
+CityPhoneticRow* dbFindCityPhFirst(const char* state, const char* code, std::int32_t length,
+                                   std::int32_t* count, std::int32_t* index) {
+  if (pProcObj == nullptr) return nullptr;
+  LookupPointers& pointers = lookupsOf(pProcObj);
+  dbFindCityPh = dbFindCityPhIn;
+  pointers.pfnFindCityPhIdx = findCityPhIdx;
+  if (phoneticsFail(pProcObj)) phoneticsOff(pointers);
+  if (hashFails(pProcObj)) pointers.pfnFindCityPhIdx = findCityPhIdxOff;
+  return dbFindCityPh(state, code, length, count, index);
+}
+
+std::int32_t findCityPhIdxFirst(const char* key, std::int32_t length, ProcObj* proc) {
+  if (proc == nullptr) return -1;
+  LookupPointers& pointers = lookupsOf(proc);
+  pointers.pfnFindCityPhIdx = findCityPhIdx;
+  if (phoneticsFail(proc)) phoneticsOff(pointers);
+  if (hashFails(proc)) pointers.pfnFindCityPhIdx = findCityPhIdxOff;
+  return pointers.pfnFindCityPhIdx(key, length, proc);
+}
+
+CityPhoneticRow* dbGetCityPhFirst(std::int32_t index) {
+  if (pProcObj == nullptr) return nullptr;
+  LookupPointers& pointers = lookupsOf(pProcObj);
+  pointers.pfnGetCityPh = dbGetCityPh;
+  if (phoneticsFail(pProcObj)) phoneticsOff(pointers);
+  return pointers.pfnGetCityPh(index);
+}
+
+}  // namespace statecut

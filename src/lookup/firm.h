@@ -1,0 +1,24 @@
+#pragma once
+// Lookups of firm names and general delivery entries.
+
+#include <cstdint>
+
+#include "log/procobj.h"
+#include "lookup/street.h"
+#include "tables/rows.h"
+
+namespace statecut {
+
+// The offset of an exact firm name, or -1 (41 bytes or more: -1).
+std::int32_t dbFindFirm(const char* key, std::int32_t length, ProcObj* proc);
+std::int32_t dbFindFirmOff(const char* key, std::int32_t length, ProcObj* proc);
+std::int32_t dbFindFirmFirst(const char* key, std::int32_t length, ProcObj* proc);
+
+// The name at an offset, as the street names.
+GetName dbGetFirmName, dbGetFirmNameCacheOff, dbGetFirmNameFirst;
+
+// An entry by the low 16 bits of its key; null for 0 or above the count.
+GeneralDeliveryRow* dbGetGenrlDelvryIn(std::uint32_t key);
+GeneralDeliveryRow* dbGetGenrlDelvryOff(std::uint32_t key);
+
+}  // namespace statecut

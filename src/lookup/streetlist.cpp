@@ -1,0 +1,163 @@
+// The ambiguous lists: a count of entries, each a street key with the SCF keys where it occurs.
+
+#include "lookup/streetlist.h"
+
+#include "lookup/street.h"
+#include "lookup/support.h"
+
+namespace statecut {
+
+std::array<std::uint32_t, kKeyListMax> keyList{};
+
+namespace {
+
+constexpr std::size_t kCountBytes = 2;
+constexpr std::size_t kKeyBytes = 4;
+constexpr std::size_t kScfBytes = 2;
+constexpr std::uint32_t kMaxEntryBytes = 4 + 1 + 127 * 2;
+
+// The SCF keys behind an entry; a negative count stands for none.
+std::uint32_t scfKeysOf(std::uint8_t scfCount) {
+  const auto keys = static_cast<std::int8_t>(scfCount);
+  return keys < 0 ? 0 : static_cast<std::uint32_t>(keys);
+}
+
+// True when an entry is in the list whatever its SCF keys are.
+bool unfiltered(std::int32_t filter, std::uint8_t scfCount) { return filter == 0 || scfCount == 0; }
+
+bool full(std::int32_t count) { return count < 0 || count >= kKeyListMax; }
+
+// A list in memory: the bytes not yet read. A read that would pass their end is refused.
+class ListBytes {
+ public:
+  explicit ListBytes(std::span<const unsigned char> bytes) : rest_(bytes) {}
+
+  template <std::size_t Width>
+  bool read(std::uint32_t* value) {
+    if (rest_.size() < Width) return false;
+    *value = le::get<Width>(rest_.data());
+    rest_ = rest_.subspan(Width);
+    return true;
+  }
+  bool skip(std::size_t count) {
+    if (rest_.size() < count) return false;
+    rest_ = rest_.subspan(count);
+    return true;
+  }
+
+ private:
+  std::span<const unsigned char> rest_;
+};
+
+// A list on disk at a running RBA. A short read leaves the value of the same width read before.
+class ListFile {
+ public:
+  explicit ListFile(std::uint32_t rba) : rba_(rba) {}
+
+  std::uint32_t readCount() { return read<kCountBytes>(count_); }
+  std::uint32_t readKey() { return read<kKeyBytes>(key_); }
+  std::uint8_t readScfCount() { return static_cast<std::uint8_t>(read<1>(scfCount_)); }
+  std::uint32_t readScf() { return read<kScfBytes>(scf_); }
+  void skipScfs(std::uint32_t count) { rba_ += count * static_cast<std::uint32_t>(kScfBytes); }
+
+  // True when the last read did not get all its bytes, or none at all.
+  [[nodiscard]] bool wasShort() const { return failed_ || streamEof(refStream(pProcObj)); }
+  [[nodiscard]] bool startsOverWithin(std::uint64_t bytes) const {
+    return rba_ + bytes > 0xFFFFFFFFu;
+  }
+
+ private:
+  template <std::size_t Width>
+  std::uint32_t read(std::array<unsigned char, Width>& held) {
+    failed_ = readDirect(rba_, Width, held.data()) < 0;
+    rba_ += static_cast<std::uint32_t>(Width);
+    return le::get<Width>(held.data());
+  }
+
+  std::uint32_t rba_;
+  bool failed_ = false;
+  std::array<unsigned char, kCountBytes> count_{};
+  std::array<unsigned char, kKeyBytes> key_{};
+  std::array<unsigned char, 1> scfCount_{};
+  std::array<unsigned char, kScfBytes> scf_{};
+};
+
+// Reads the SCF keys of one entry on disk up to the wanted one and skips the rest.
+bool servedOnDisk(ListFile& file, std::uint32_t keys, const std::uint16_t* scfKey) {
+  for (std::uint32_t i = 0; i < keys && scfKey != nullptr; ++i) {
+    if (file.readScf() != *scfKey) continue;
+    file.skipScfs(keys - i - 1);
+    return true;
+  }
+  if (scfKey == nullptr) file.skipScfs(keys);
+  return false;
+}
+
+// The same in memory. False in *whole when the list ends inside the entry.
+bool servedInMemory(ListBytes& bytes, std::uint32_t keys, const std::uint16_t* scfKey,
+                    bool* whole) {
+  for (std::uint32_t i = 0; i < keys; ++i) {
+    std::uint32_t scf = 0;
+    *whole = bytes.read<kScfBytes>(&scf);
+    if (!*whole) return false;
+    if (scfKey == nullptr || scf != *scfKey) continue;
+    *whole = bytes.skip((keys - i - 1) * kScfBytes);
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void addStreetKey(std::uint32_t key, std::int32_t* count) {
+  if (full(*count)) return;
+  keyList[static_cast<std::size_t>(*count)] = key;
+  ++*count;
+}
+
+const std::uint32_t* ambgsStreetMatch(std::span<const unsigned char> list,
+                                      const std::uint16_t* scfKey, std::int32_t filter,
+                                      std::int32_t* count) {
+  ListBytes bytes(list);
+  std::uint32_t entries = 0;
+  bool whole = bytes.read<kCountBytes>(&entries);
+  for (std::uint32_t i = 0; whole && i < entries; ++i) {
+    std::uint32_t key = 0;
+    std::uint32_t scfCount = 0;
+    if (!bytes.read<kKeyBytes>(&key) || !bytes.read<1>(&scfCount)) break;
+    const auto counted = static_cast<std::uint8_t>(scfCount);
+    if (unfiltered(filter, counted)) {
+      addStreetKey(key, count);
+      whole = bytes.skip(scfKeysOf(counted) * kScfBytes);
+    } else if (servedInMemory(bytes, scfKeysOf(counted), scfKey, &whole)) {
+      addStreetKey(key, count);
+    }
+  }
+  return keyList.data();
+}
+
+const std::uint32_t* ambgsStreetMatchOff(std::uint32_t rba, const std::uint16_t* scfKey,
+                                         std::int32_t filter, std::int32_t* count) {
+  ListFile file(rba);
+  const std::uint32_t entries = file.readCount();
+  bool wasShort = false;
+  for (std::uint32_t i = 0; i < entries && !full(*count); ++i) {
+    const std::uint32_t key = file.readKey();
+    const bool isShort = file.wasShort();
+    const std::uint8_t scfCount = file.readScfCount();
+    const std::uint32_t keys = scfKeysOf(scfCount);
+    if (unfiltered(filter, scfCount)) {
+      file.skipScfs(keys);
+      addStreetKey(key, count);
+    } else if (servedOnDisk(file, keys, scfKey)) {
+      addStreetKey(key, count);
+    } else if (isShort && wasShort &&
+               !file.startsOverWithin(std::uint64_t{entries - i} * kMaxEntryBytes)) {
+      break;  // behind the end of the file every further entry is this one
+    }
+    wasShort = isShort;
+  }
+  return keyList.data();
+}
+
+}  // namespace statecut

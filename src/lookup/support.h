@@ -1,0 +1,93 @@
+#pragma once
+// What the lookup functions share: trace lines, the control record, reads of the reference file
+// and first loads.
+
+#include <cstdint>
+
+#include "dbfiles/controlrec.h"
+#include "log/procobj.h"
+#include "log/utllgmsg.h"
+#include "tables/dbapi.h"
+#include "tables/refpointers.h"
+
+namespace statecut {
+
+// Writes "Entering <function>" when made and, through leave, "Leaving <function>" before a
+// successful return. Names and lines are those of the function that makes the object.
+class Trace {
+ public:
+  explicit Trace(const char* source, int line = __builtin_LINE(),
+                 const char* name = __builtin_FUNCTION())
+      : source_(source), name_(name) {
+    traceEntering(pProcObj, source_, line, name_);
+  }
+  void again(int line = __builtin_LINE()) const { traceEntering(pProcObj, source_, line, name_); }
+
+  template <typename Pointer>
+  Pointer* leave(Pointer* result, int line = __builtin_LINE()) const {
+    if (result != nullptr) traceLeaving(pProcObj, source_, line, name_);
+    return result;
+  }
+  std::int32_t leave(std::int32_t index, int line = __builtin_LINE()) const {
+    if (index != -1) traceLeaving(pProcObj, source_, line, name_);
+    return index;
+  }
+
+ private:
+  const char* source_;
+  const char* name_;
+};
+
+// The reference control record of the processing object, or null.
+[[nodiscard]] inline const RefControlRec* refRecord() {
+  return pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
+}
+
+// The open reference file of `proc`, or null.
+[[nodiscard]] Stream* refStream(const ProcObj* proc);
+
+// False for a null stream and for one in error.
+[[nodiscard]] bool readable(const Stream* file);
+
+// dbReadFile that also gives -1, without reading, for a stream that is not readable.
+std::int32_t readGuarded(Stream* file, std::uint32_t rba, std::int32_t count, void* to,
+                         ProcObj* proc);
+
+// Read the reference file of pProcObj at `rba`. A failed or short direct read leaves the bytes as
+// they were. readCached goes through the block cache when one is built and is false when the
+// cache could not read.
+std::int32_t readDirect(std::uint32_t rba, std::int32_t count, void* to);
+[[nodiscard]] bool readCached(std::uint32_t rba, std::int32_t count, void* to);
+
+// The byte offset of an entry as file positions count: modulo 2^32.
+constexpr std::uint32_t entryRba(std::uint32_t tableRba, std::uint32_t index, std::uint32_t width) {
+  return tableRba + index * width;
+}
+
+// Read entry `index` of a table of rows.
+template <typename RowType>
+void readRow(std::uint32_t tableRba, std::uint32_t index, RowType* to) {
+  readDirect(entryRba(tableRba, index, RowType::size), RowType::size, to);
+}
+template <typename RowType>
+[[nodiscard]] bool readRowCached(std::uint32_t tableRba, std::uint32_t index, RowType* to) {
+  return readCached(entryRba(tableRba, index, RowType::size), RowType::size, to);
+}
+
+// The name hash on the loaded tables and on disk: the number, or -1.
+std::int32_t hashIn(const char* key, std::int32_t length, std::uint32_t type, ProcObj* proc);
+std::int32_t hashOff(const char* key, std::int32_t length, std::uint32_t type, ProcObj* proc);
+
+// True when the slot holds a table, however it was read.
+[[nodiscard]] inline bool loaded(SlotNumber slot) { return refPointers[slot].table != nullptr; }
+
+// Runs a reader on the reference file. True when that failed: decided by its result, as a slot may
+// keep a buffer that was not read.
+[[nodiscard]] bool readFails(TableReader* reader, ProcObj* proc);
+
+// The same for an empty slot only.
+[[nodiscard]] inline bool loadFails(SlotNumber slot, TableReader* reader, ProcObj* proc) {
+  return !loaded(slot) && readFails(reader, proc);
+}
+
+}  // namespace statecut
