@@ -1,0 +1,137 @@
+#include "cut/guards.h"
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include "cut/cutlog.h"
+#include "cut/workstate.h"
+#include "log/cmdline.h"
+#include "log/procobj.h"
+
+namespace statecut {
+
+namespace {
+
+struct OutputState {
+  int failure = 0;  // errno of a failed flush, close or rewind
+  bool reported = false;
+};
+
+OutputState refOutput;
+OutputState rangeOutput;
+bool refSourceReported = false;
+bool rangeSourceReported = false;
+
+bool tooLong(const char* path) { return std::strlen(path) > kMaxOutputPath; }
+
+bool sourceFailed(const Stream* stream, const char* path, bool& reported) {
+  if (!inError(stream)) return false;
+  if (!reported) {
+    logPathError({kCutstate, __LINE__}, "DB Read Error", kReasonRead, path,
+                 std::strerror(streamErrno(stream)));
+  }
+  reported = true;
+  return true;
+}
+
+bool outputFailed(const Stream* stream, const char* path, OutputState& state) {
+  if (state.failure == 0 && inError(stream)) state.failure = streamErrno(stream);
+  if (state.failure == 0) return false;
+  if (!state.reported) {
+    logPathError({kCutstate, __LINE__}, "DB Write Error", kReasonWrite, path,
+                 std::strerror(state.failure));
+  }
+  state.reported = true;
+  return true;
+}
+
+// Keeps the first failure of an output.
+void note(OutputState& state, int result) {
+  if (result != 0 && state.failure == 0) state.failure = errno != 0 ? errno : EIO;
+}
+
+void closeOutput(Stream*& stream, OutputState& state) {
+  errno = 0;
+  note(state, streamClose(stream));
+  stream = nullptr;
+}
+
+bool refuseIfSame(const char* output, const char* other) {
+  if (tooLong(output) || !sameFile(output, other)) return false;
+  logPathError(logsite::kOpenOutput, "Open Error", kReasonOpen, output,
+               ("same file as " + std::string(other)).c_str());
+  return true;
+}
+
+}  // namespace
+
+const char* pathOf(const char* setting) { return setting == nullptr ? "" : setting; }
+
+Stream* openOutput(const char* path) {
+  if (tooLong(path)) {
+    errno = ENAMETOOLONG;
+    return nullptr;
+  }
+  return streamOpen(path, "wb");
+}
+
+std::int32_t checkOutputNames() {
+  const char* outputs[] = {pathOf(cmdLine.refOut), pathOf(cmdLine.rangeOut)};
+  for (const char* output : outputs) {
+    for (const char* input : {cmdLine.refDb, cmdLine.rangeDb, cmdLine.stateFile}) {
+      if (refuseIfSame(output, pathOf(input))) return -1;
+    }
+  }
+  return refuseIfSame(outputs[1], outputs[0]) ? -1 : 0;
+}
+
+void resetGuards() {
+  for (Stream** left : {&newRefDb, &newRangeDb}) {
+    streamClose(*left);
+    *left = nullptr;
+  }
+  refOutput = {};
+  rangeOutput = {};
+  refSourceReported = false;
+  rangeSourceReported = false;
+}
+
+bool inError(const Stream* source) { return source != nullptr && streamError(source); }
+
+bool refSourceFailed() {
+  return sourceFailed(pProcObj->files->reference, pathOf(cmdLine.refDb), refSourceReported);
+}
+
+bool rangeSourceFailed() {
+  return sourceFailed(pProcObj->files->range, pathOf(cmdLine.rangeDb), rangeSourceReported);
+}
+
+bool outputsFailed() {
+  const bool ref = outputFailed(newRefDb, pathOf(cmdLine.refOut), refOutput);
+  const bool range = outputFailed(newRangeDb, pathOf(cmdLine.rangeOut), rangeOutput);
+  return ref || range;
+}
+
+void flushOutputs() {
+  errno = 0;
+  if (newRefDb != nullptr) note(refOutput, streamFlush(newRefDb));
+  errno = 0;
+  if (newRangeDb != nullptr) note(rangeOutput, streamFlush(newRangeDb));
+}
+
+void closeOutputs() {
+  closeOutput(newRefDb, refOutput);
+  closeOutput(newRangeDb, rangeOutput);
+  outputsFailed();
+}
+
+bool rewindReferenceOutput() {
+  if (newRefDb == nullptr) return false;
+  errno = 0;
+  const int result = streamSeek(newRefDb, 0);
+  note(refOutput, result);
+  return result == 0;
+}
+
+}  // namespace statecut
