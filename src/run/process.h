@@ -1,0 +1,13 @@
+#pragma once
+// What the process needs before a run: its standard descriptors and its signals.
+
+namespace statecut {
+
+// Opens each of descriptors 0 to 2 that is closed on the null device, so that no database or log
+// is ever opened as a standard stream.
+void guardStandardDescriptors();
+
+// Before anything else: guards the descriptors and lets a file-size limit appear as EFBIG.
+void prepareProcess();
+
+}  // namespace statecut

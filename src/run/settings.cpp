@@ -1,0 +1,150 @@
+#include "run/settings.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "log/cmdline.h"
+#include "log/utllgmsg.h"
+#include "run/statelist.h"
+
+namespace statecut {
+namespace {
+
+using Name = char* CmdLine::*;
+
+struct NameOption {
+  Name field;
+  char letter;
+  std::int32_t tooLong;  // the status of an argument that is too long
+};
+
+// -c is not in the option string, so never reached, and -o and -z have the statuses of -f and -g;
+// all meant.
+constexpr NameOption kNameOptions[] = {
+    {&CmdLine::logFile, 'l', -1},  {&CmdLine::configFile, 'c', -2}, {&CmdLine::refDb, 'f', -3},
+    {&CmdLine::rangeDb, 'g', -4},  {&CmdLine::stateFile, 's', -5},  {&CmdLine::refOut, 'o', -3},
+    {&CmdLine::rangeOut, 'z', -4},
+};
+
+constexpr const char* kOptionString = "l:L:g:G:f:F:r:R:v:V:s:S:iIo:O:tTz:Z:hH?";
+
+struct DefaultName {
+  Name field;
+  const char* name;
+};
+
+constexpr DefaultName kDefaultNames[] = {
+    {&CmdLine::logFile, "tolvlog.txt"}, {&CmdLine::configFile, "tolv.cfg"},
+    {&CmdLine::refDb, "city.dir"},      {&CmdLine::rangeDb, "zip4us.dir"},
+    {&CmdLine::refOut, "city.sc"},      {&CmdLine::rangeOut, "zip4us.sc"},
+};
+
+const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
+
+std::int32_t setName(const NameOption& option, const char* argument) {
+  if (std::strlen(argument) > static_cast<std::size_t>(kMaxNameLength)) return option.tooLong;
+  std::free(cmdLine.*option.field);
+  cmdLine.*option.field = ::strdup(argument);  // null when memory runs out: the default applies
+  return 0;
+}
+
+std::int32_t applyOption(int option, const char* argument) {
+  const int letter = std::tolower(option);
+  for (const NameOption& name : kNameOptions) {
+    if (name.letter == letter) return setName(name, argument);
+  }
+  switch (letter) {
+    case 'v':
+      cmdLine.logLevel =
+          static_cast<std::int32_t>(std::clamp(std::strtol(argument, nullptr, 10), 0L, 5L));
+      return 0;
+    case 'i':
+      cmdLine.displayInfo = 1;
+      return 0;
+    case 't':
+      cmdLine.prompt = 1;
+      return 0;
+    case 'r':  // accepted without effect; meant
+      return 0;
+    default:  // -h, -? and what getopt has already reported
+      return 1;
+  }
+}
+
+void clearSettings() {
+  cmdLine.logLevel = 3;
+  cmdLine.displayInfo = 0;
+  cmdLine.stateCount = 0;
+  cmdLine.prompt = 0;
+  for (const NameOption& name : kNameOptions) cmdLine.*name.field = nullptr;
+}
+
+std::int32_t readOptions(int argc, char** argv) {
+  std::int32_t status = 0;
+  optind = 1;
+  int option = 0;
+  // One more option is taken after a status was set, and not applied; meant.
+  while ((option = ::getopt(argc, argv, kOptionString)) != -1 && status == 0) {
+    status = applyOption(option, optarg);
+  }
+  return status;
+}
+
+void writeLine(Stream* log, const char* label, const char* value) {
+  char line[kMaxNameLength + 100];
+  std::snprintf(line, sizeof line, "%s%s\n", label, orEmpty(value));
+  utlWriteText(line, log, cmdLine.topOfForm);
+}
+
+}  // namespace
+
+std::int32_t parseCmdLine(int argc, char** argv) {
+  clearSettings();
+  const std::int32_t status = readOptions(argc, argv);
+  if (status < 0) {
+    std::fprintf(stderr, "Make sure files names are not longer than %d characters.\n",
+                 kMaxNameLength);
+    return status;
+  }
+  if (cmdLine.displayInfo != 0 || status > 0) return status;
+  for (const DefaultName& entry : kDefaultNames) {
+    if (cmdLine.*entry.field == nullptr) cmdLine.*entry.field = ::strdup(entry.name);
+  }
+  return readStateList();
+}
+
+void logCmdLine(Stream* log) {
+  if (cmdLine.stateFile != nullptr) {
+    writeLine(log, "State file: ", cmdLine.stateFile);
+  } else {
+    writeLine(log, "States read from standard input.", "");
+  }
+  writeLine(log, "Log file           : ", cmdLine.logFile);
+  writeLine(log, "Ref/City db file   : ", cmdLine.refDb);
+  writeLine(log, "Range/Zip4 db file : ", cmdLine.rangeDb);
+  writeLine(log, "Output Ref/City db : ", cmdLine.refOut);
+  writeLine(log, "Output Range/Zip4  : ", cmdLine.rangeOut);
+  writeLine(log, "Log level          : ", std::to_string(cmdLine.logLevel).c_str());
+  writeLine(log, "List of States...", "");
+  for (std::int32_t i = 0; i < std::min(cmdLine.stateCount, kMaxStates); ++i) {
+    writeLine(log, "", cmdLine.states[i]);
+  }
+}
+
+void freeCmdLine() {
+  constexpr Name kNames[] = {&CmdLine::configFile, &CmdLine::stateFile, &CmdLine::logFile,
+                             &CmdLine::refDb,      &CmdLine::rangeDb,   &CmdLine::refOut,
+                             &CmdLine::rangeOut};
+  for (const Name name : kNames) {
+    std::free(cmdLine.*name);
+    cmdLine.*name = nullptr;
+  }
+}
+
+}  // namespace statecut
