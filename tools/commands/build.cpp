@@ -1,0 +1,122 @@
+// statedb build: makes a database pair.
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "commands/commands.h"
+#include "dbbuilder/profiles.h"
+#include "dbbuilder/words.h"
+#include "dbbuilder/writer.h"
+
+namespace statecut {
+
+namespace {
+
+constexpr int ok = 0;
+constexpr int failed = 1;
+constexpr std::uint32_t mostRangeMb = 4000;  // RBAs are 32-bit
+
+struct BuildSettings {
+  std::string out;
+  std::string zips;
+  std::string profile = "national";
+  std::uint64_t seed = 1;
+  std::uint32_t rangeMb = 0;  // 0 = the profile's own, as for the next two
+  std::uint32_t streets = 0;
+  std::uint32_t firms = 0;
+  bool noMilitary = false;
+  bool noPoBox = false;
+};
+
+int fail(const std::string& reason) {
+  std::fprintf(stderr, "statedb build: %s\n", reason.c_str());
+  return failed;
+}
+
+std::string defaultCsv() {
+  const std::string inSource = STATEDB_DATA_DIR "/us_zip_city.csv";
+  std::error_code ignored;
+  return std::filesystem::exists(inSource, ignored) ? inSource : "data/us_zip_city.csv";
+}
+
+bool readProfilePlaces(const BuildSettings& settings, std::vector<builder::Place>& places,
+                       std::string& error) {
+  if (settings.profile == "national")
+    return builder::readPlaces(settings.zips.empty() ? defaultCsv() : settings.zips, places, error);
+  places = settings.profile == "tiny" ? builder::tinyPlaces() : builder::smallPlaces();
+  return true;
+}
+
+builder::ProfileOptions profileOptions(const BuildSettings& settings) {
+  builder::ProfileOptions options = settings.profile == "tiny"    ? builder::tinyOptions()
+                                    : settings.profile == "small" ? builder::smallOptions()
+                                                                  : builder::nationalOptions();
+  options.seed = settings.seed;
+  if (settings.rangeMb != 0) options.rangeBytes = std::uint64_t{settings.rangeMb} << 20;
+  if (settings.streets != 0) options.streets = settings.streets;
+  if (settings.firms != 0) options.firms = settings.firms;
+  options.military = !settings.noMilitary;
+  options.poBoxZones = !settings.noPoBox;
+  return options;
+}
+
+int build(const BuildSettings& settings) {
+  std::vector<builder::Place> places;
+  std::string error;
+  if (!readProfilePlaces(settings, places, error)) return fail(error);
+  const std::size_t zips = places.size();
+  const builder::Model model = builder::makeModel(std::move(places), profileOptions(settings));
+
+  std::error_code made;
+  std::filesystem::create_directories(settings.out, made);
+  if (made) return fail("cannot create " + settings.out + ": " + made.message());
+  const std::filesystem::path folder = settings.out;
+  builder::WrittenFile ref, rng;
+  if (!builder::writeReferenceFile(model, folder / "city.dir", ref, error) ||
+      !builder::writeRangeFile(model, folder / "zip4us.dir", rng, error))
+    return fail(error);
+  std::printf("%s: %llu bytes, %zu ZIP codes, %zu city names\n", ref.path.c_str(),
+              static_cast<unsigned long long>(ref.bytes), zips, model.cityNames.size() - 1);
+  std::printf("%s: %llu bytes, %zu partitions\n", rng.path.c_str(),
+              static_cast<unsigned long long>(rng.bytes), model.range.partitions.size());
+  if (std::fflush(stdout) != 0) return fail("cannot write the summary");
+  return ok;
+}
+
+}  // namespace
+
+void addBuildCommand(CLI::App& app, int& status) {
+  const auto settings = std::make_shared<BuildSettings>();
+  CLI::App* command = app.add_subcommand("build", "Make a database pair, city.dir and zip4us.dir");
+  command->add_option("--out", settings->out, "Folder of the two files, made if missing")
+      ->required()
+      ->type_name("DIR");
+  command->add_option("--profile", settings->profile, "Size of the database")
+      ->check(CLI::IsMember({"tiny", "small", "national"}))
+      ->capture_default_str();
+  CLI::Option* zips =
+      command->add_option("--zips", settings->zips, "ZIP codes, cities and counties (national)")
+          ->type_name("CSV");
+  command->add_option("--seed", settings->seed, "What is not in the CSV file follows from it")
+      ->capture_default_str();
+  command->add_option("--range-mb", settings->rangeMb, "About the size of zip4us.dir, in MiB")
+      ->check(CLI::Range(std::uint32_t{1}, mostRangeMb));
+  command->add_option("--streets", settings->streets, "Number of street names")
+      ->check(CLI::Range(builder::minStreets, builder::maxStreets));
+  command->add_option("--firms", settings->firms, "Number of firm names")
+      ->check(CLI::Range(std::uint32_t{1}, builder::maxFirms));
+  command->add_flag("--no-military", settings->noMilitary, "Leave out the military aliases");
+  command->add_flag("--no-pobox", settings->noPoBox, "Leave out the PO Box zones");
+  command->callback([settings, zips, &status] {
+    if (zips->count() != 0 && settings->profile != "national")
+      throw CLI::ValidationError("--zips", "goes with the national profile");
+    status = build(*settings);
+  });
+}
+
+}  // namespace statecut
