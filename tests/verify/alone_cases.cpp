@@ -1,0 +1,210 @@
+#include <algorithm>
+
+#include "cases.h"
+#include "dbfiles/controlrec.h"
+#include "tables/rows.h"
+
+namespace statecut::test {
+
+namespace {
+
+using builder::Model;
+using verify::RuleId;
+using R = RefControlRec;
+using G = RngControlRec;
+
+template <typename RowType>
+RowType& row(PairBytes& pair, std::size_t rbaAt, std::size_t i) {
+  return *reinterpret_cast<RowType*>(pair.table(rbaAt) + i * RowType::size);
+}
+
+void setRangeWord(PairBytes& pair, std::size_t at, std::uint32_t value) {
+  le::put<4>(pair.rng.data() + at, value);
+}
+
+// First city multi-ZIP record with an SFH entry.
+CityMultiZipRow& sfhRecord(PairBytes& pair) {
+  std::size_t i = 1;
+  const std::size_t count = pair.word(R::cityMultiZipRbasCount.at);
+  const auto at = [&](std::size_t n) -> CityMultiZipRow& {
+    return row<CityMultiZipRow>(pair, R::cityMultiZipRbasRba.at, n);
+  };
+  while (i + 1 < count &&
+         (at(i).get(CityMultiZipRow::sfhZipCount) < 2 || at(i).get(CityMultiZipRow::sfhRba) == 0))
+    ++i;
+  return at(i);
+}
+
+// First hash slot of that many names or more.
+HashSlotRow& slotOf(PairBytes& pair, std::uint32_t least, std::uint32_t most) {
+  std::size_t i = 0;
+  const std::size_t count = pair.word(R::hashTableCount.at);
+  const auto at = [&](std::size_t n) -> HashSlotRow& {
+    return row<HashSlotRow>(pair, R::hashTableRba.at, n);
+  };
+  while (i + 1 < count &&
+         (at(i).get(HashSlotRow::count) < least || at(i).get(HashSlotRow::count) > most))
+    ++i;
+  return at(i);
+}
+
+void swapCityNames(Model& model) {
+  std::size_t i = 1;
+  while (model.cityNames[i].state != model.cityNames[i + 1].state ||
+         model.cityNames[i].name == model.cityNames[i + 1].name)
+    ++i;
+  std::swap(model.cityNames[i], model.cityNames[i + 1]);
+  const auto follow = [&](std::uint32_t& link) {
+    if (link == i)
+      link = static_cast<std::uint32_t>(i + 1);
+    else if (link == i + 1)
+      link = static_cast<std::uint32_t>(i);
+  };
+  for (auto& city : model.cityData) {
+    follow(city.nameUsps);
+    follow(city.nameStandard);
+  }
+}
+
+void lengthenLastFirm(PairBytes& pair) {
+  unsigned char* firms = pair.table(R::firmsRba.at);
+  std::size_t last = 0;
+  for (std::size_t at = 0; at < pair.word(R::firmsBytes.at); at += firms[at] + 1U) last = at;
+  ++firms[last];
+}
+
+void swapPobSizes(PairBytes& pair) {
+  unsigned char* sizes = pair.table(R::pobMultiZipBytesRba.at);
+  std::swap_ranges(sizes, sizes + 6, sizes + 6);
+}
+
+std::vector<Case> fileCases() {
+  return {
+      {RuleId::FileShort, {}, [](PairBytes& p) { p.ref.resize(R::size - 1); }},
+      {RuleId::TypeFlags, {}, [](PairBytes& p) { p.setWord(R::typeFlags.at, kTypeRange); }},
+      {RuleId::StampBuild, {}, [](PairBytes& p) { p.rng[G::buildTimeStamp.at] ^= 1; }},
+      {RuleId::StampCut, {}, [](PairBytes& p) { setRangeWord(p, G::stateCutTimeStamp.at, 5); }},
+      {RuleId::TableBounds,
+       {},
+       [](PairBytes& p) {
+         p.setWord(R::countiesRba.at, static_cast<std::uint32_t>(p.ref.size()) - 1);
+       }},
+      {RuleId::TableOverlap,
+       {},
+       [](PairBytes& p) { p.setWord(R::countiesRba.at, p.word(R::countiesRba.at) - 1); }},
+      {RuleId::RangeAreas,
+       {},
+       [](PairBytes& p) { setRangeWord(p, G::sfhZipBytes.at, 0x7FFFFFFF); }},
+  };
+}
+
+std::vector<Case> zipCases() {
+  return {
+      {RuleId::ZipIndex, {}, [](PairBytes& p) { le::put<2>(p.table(R::zipIndexRba.at), 1); }},
+      {RuleId::ZipRecord,
+       {},
+       [](PairBytes& p) {
+         const auto& zip = row<ZipDataRow>(p, R::zipDataRba.at, 1);
+         le::put<2>(p.table(R::zipIndexRba.at) + 2 * zip.get(ZipDataRow::zip), 0);
+       }},
+      {RuleId::ZipCities,
+       {},
+       [](PairBytes& p) {
+         std::size_t i = 1;
+         while (row<ZipDataRow>(p, R::zipDataRba.at, i).get(ZipDataRow::cityKeysCount) != 1) ++i;
+         row<ZipDataRow>(p, R::zipDataRba.at, i).set(ZipDataRow::cityKey, 0xFFFF);
+       }},
+      {RuleId::RangeBounds,
+       {},
+       [](PairBytes& p) {
+         row<ZipDataRow>(p, R::zipDataRba.at, 1).set(ZipDataRow::sfhRba, 0xFFFFFF00);
+       }},
+      {RuleId::MultiZipLink,
+       {},
+       [](PairBytes& p) {
+         row<CityDataRow>(p, R::cityDataRba.at, 1).set(CityDataRow::multiZipRbaKey, 0xFFFF);
+       }},
+      {RuleId::MultiZipKey,
+       {},
+       [](PairBytes& p) {
+         sfhRecord(p).set(CityMultiZipRow::sfhKey, p.word(R::multiZipListsCount.at));
+       }},
+      {RuleId::MultiZipOrder, {}, swapPobSizes},
+      {RuleId::MultiZipBytes,
+       {},
+       [](PairBytes& p) { le::put<2>(p.table(R::pobMultiZipBytesRba.at), 0); }},
+      {RuleId::MultiZipBounds,
+       {},
+       [](PairBytes& p) { sfhRecord(p).set(CityMultiZipRow::sfhRba, 0xFFFFFFF0); }},
+  };
+}
+
+std::vector<Case> cityCases() {
+  return {
+      {RuleId::CityName,
+       {},
+       [](PairBytes& p) {
+         row<CityNameRow>(p, R::cityNamesRba.at, 3).set(CityNameRow::nameLength, 29);
+       }},
+      {RuleId::CityOrder, swapCityNames, {}},
+      {RuleId::CityKey, [](Model& m) { m.cityNames[2].cityKey = 60000; }, {}},
+      {RuleId::CityLinks,
+       {},
+       [](PairBytes& p) {
+         auto& city = row<CityDataRow>(p, R::cityDataRba.at, 1);
+         const auto& other = row<CityDataRow>(p, R::cityDataRba.at, 2);
+         city.set(CityDataRow::nameUsps, other.get(CityDataRow::nameUsps));
+       }},
+      {RuleId::ByStateOrder,
+       [](Model& m) { m.byState.emplace(m.cityNames.rbegin(), m.cityNames.rend() - 1); },
+       {}},
+      {RuleId::ByStateNames, {}, [](PairBytes& p) { ++*p.table(R::cityNamesByStateRba.at); }},
+      {RuleId::PhoneticKey,
+       {},
+       [](PairBytes& p) {
+         row<CityPhoneticRow>(p, R::cityPhoneticsRba.at, 2).set(CityPhoneticRow::keyLength, 20);
+       }},
+      {RuleId::PhoneticOrder,
+       [](Model& m) { std::swap(m.cityPhonetics[1], m.cityPhonetics.back()); },
+       {}},
+  };
+}
+
+std::vector<Case> nameCases() {
+  return {
+      {RuleId::NamePacking, {}, lengthenLastFirm},
+      {RuleId::StreetLinks, [](Model& m) { m.streetPhonetics[0].value = 1; }, {}},
+      {RuleId::HashSize,
+       {},
+       [](PairBytes& p) { p.setWord(R::hashTableCount.at, p.word(R::hashTableCount.at) - 1); }},
+      {RuleId::HashChain,
+       {},
+       [](PairBytes& p) {
+         slotOf(p, 2, 255).set(HashSlotRow::number, p.word(R::hashOverflowCount.at));
+       }},
+      {RuleId::HashMissing, {}, [](PairBytes& p) { slotOf(p, 1, 1).set(HashSlotRow::count, 0); }},
+      {RuleId::HashWrong,
+       [](Model& m) {
+         m.hash.extra.push_back({1, "NO SUCH STREET", 0});
+       },
+       {}},
+  };
+}
+
+}  // namespace
+
+std::uint32_t PairBytes::word(std::size_t at) const { return le::get<4>(ref.data() + at); }
+
+void PairBytes::setWord(std::size_t at, std::uint32_t value) { le::put<4>(ref.data() + at, value); }
+
+const std::vector<Case>& aloneCases() {
+  static const std::vector<Case> cases = [] {
+    std::vector<Case> all;
+    for (const auto& family : {fileCases(), zipCases(), cityCases(), nameCases()})
+      all.insert(all.end(), family.begin(), family.end());
+    return all;
+  }();
+  return cases;
+}
+
+}  // namespace statecut::test

@@ -1,0 +1,28 @@
+#include <iostream>
+#include <memory>
+
+#include "commands/commands.h"
+#include "verify/verify.h"
+
+namespace statecut {
+
+void addVerifyCommand(CLI::App& app, int& status) {
+  auto options = std::make_shared<verify::Options>();
+  CLI::App* command = app.add_subcommand(
+      "verify", "Check a database pair, or a cut against the pair that it was cut from");
+  command->add_flag("--json", options->json, "One JSON document");
+  command->add_option("--ref", options->ref, "Reference file")->required();
+  command->add_option("--rng", options->rng, "Range file")->required();
+  auto* sourceRef =
+      command->add_option("--source-ref", options->sourceRef, "Reference file that was cut");
+  auto* sourceRng =
+      command->add_option("--source-rng", options->sourceRng, "Range file that was cut");
+  auto* states = command->add_option("--states", options->states, "States of the cut: TX,OK");
+  for (auto* one : {sourceRef, sourceRng, states})
+    for (auto* other : {sourceRef, sourceRng, states})
+      if (one != other) one->needs(other);
+  command->footer("Exit status: 0 nothing wrong, 1 findings, 2 the check can't run.");
+  command->callback([options, &status] { status = verify::run(*options, std::cout, std::cerr); });
+}
+
+}  // namespace statecut

@@ -1,0 +1,128 @@
+#include "verify/directory.h"
+
+#include "dbfiles/controlrec.h"
+#include "tables/rows.h"
+
+namespace statecut::verify {
+
+namespace {
+
+using R = RefControlRec;
+
+constexpr TableDef records(const char* name, std::size_t rbaAt, std::size_t countAt,
+                           std::uint32_t width) {
+  return {name, rbaAt, countAt, width, width, Sizing::Records};
+}
+// A table that a cut leaves out.
+constexpr TableDef uncutOnly(const char* name, std::size_t rbaAt, std::size_t countAt,
+                             std::uint32_t width) {
+  return {name, rbaAt, countAt, width, 0, Sizing::Records};
+}
+// A table of which a cut carries the first half.
+constexpr TableDef halved(const char* name, std::size_t rbaAt, std::size_t countAt,
+                          std::uint32_t width) {
+  return {name, rbaAt, countAt, width, width / 2, Sizing::Records};
+}
+
+constexpr TableDef kDefs[] = {
+    records("Street Patterns", R::streetPatternsRba.at, R::streetPatternsCount.at, 18),
+    records("POB Patterns", R::pobPatternsRba.at, R::pobPatternsCount.at, 18),
+    records("RR Patterns", R::rrPatternsRba.at, R::rrPatternsCount.at, 18),
+    records("Street Names", R::streetNamesRba.at, R::streetNamesBytes.at, 1),
+    uncutOnly("Street RBOs", R::streetRbosRba.at, R::streetNamesCount.at, 4),
+    records("Firm Names", R::firmsRba.at, R::firmsBytes.at, 1),
+    uncutOnly("Firm RBOs", R::firmRbosRba.at, R::firmsCount.at, 4),
+    records("City Data", R::cityDataRba.at, R::cityDataCount.at, CityDataRow::size),
+    records("City Multi Zip Lists", R::cityMultiZipListsRba.at, R::cityMultiZipListsCount.at, 6),
+    records("City Multi Finance Lists", R::cityMultiFinanceListsRba.at,
+            R::cityMultiFinanceListsCount.at, 2),
+    records("City Multi Zip RBAs", R::cityMultiZipRbasRba.at, R::cityMultiZipRbasCount.at,
+            CityMultiZipRow::size),
+    records("Finance Multi Zip RBAs", R::finMultiZipRbasRba.at, R::finMultiZipRbasCount.at,
+            FinMultiZipRow::size),
+    records("City Names", R::cityNamesRba.at, R::cityNamesCount.at, CityNameRow::size),
+    {"City Names By State", R::cityNamesByStateRba.at, R::cityNamesCount.at, CityByStateRow::size,
+     CityByStateRow::size, Sizing::OneLess},
+    records("City Phonetics", R::cityPhoneticsRba.at, R::cityPhoneticsCount.at,
+            CityPhoneticRow::size),
+    records("Zip Code Data", R::zipDataRba.at, R::zipDataCount.at, ZipDataRow::size),
+    halved("Zip Multi City Lists", R::zipMultiCityListsRba.at, R::zipMultiCityListsCount.at, 4),
+    {"Zip Code Index", R::zipIndexRba.at, 0, 2, 2, Sizing::Fixed},
+    records("Unique Zips", R::uniqueZipsRba.at, R::uniqueZipsCount.at, 12),
+    records("Counties", R::countiesRba.at, R::countiesCount.at, 32),
+    records("Urbanizations", R::urbsRba.at, R::urbsCount.at, 32),
+    records("Urb Multi Zip Lists", R::urbMultiZipListsRba.at, R::urbMultiZipListsCount.at, 2),
+    records("Urb Variations", R::urbVariationsRba.at, R::urbVariationsCount.at, 32),
+    records("Street Phonetic Lists", R::streetPhoneticAmbDataRba.at,
+            R::streetPhoneticAmbDataBytes.at, 1),
+    records("Street Phonetics", R::streetPhoneticsRba.at, R::streetPhoneticsBytes.at, 1),
+    records("Street Phonetics RBOs", R::streetPhoneticsRbosRba.at, R::streetPhoneticsCount.at, 4),
+    records("Street Standard Lists", R::streetStandardAmbDataRba.at,
+            R::streetStandardAmbDataBytes.at, 1),
+    records("Street Standards", R::streetStandardsRba.at, R::streetStandardsBytes.at, 1),
+    records("Street Standards RBOs", R::streetStandardsRbosRba.at, R::streetStandardsCount.at, 4),
+    records("General Delivery", R::generalDeliveryRba.at, R::generalDeliveryCount.at, 4),
+    halved("Multi Zip Lists", R::multiZipListsRba.at, R::multiZipListsCount.at, 4),
+    uncutOnly("SCFs", R::scfsRba.at, R::scfsCount.at, 4),
+    uncutOnly("Zip Bytes", R::zipBytesRba.at, R::zipDataCount.at, ZipBytesRow::size),
+    uncutOnly("SFH Multi Zip Bytes", R::sfhMultiZipBytesRba.at, R::sfhMultiZipBytesCount.at, 8),
+    uncutOnly("POB Multi Zip Bytes", R::pobMultiZipBytesRba.at, R::pobMultiZipBytesCount.at, 8),
+    uncutOnly("RR Multi Zip Bytes", R::rrMultiZipBytesRba.at, R::rrMultiZipBytesCount.at, 8),
+    records("Hash Table", R::hashTableRba.at, R::hashTableCount.at, HashSlotRow::size),
+    records("Hash Overflow", R::hashOverflowRba.at, R::hashOverflowCount.at, HashOverflowRow::size),
+    {"Military Aliases", R::militaryRba.at, 0, 0, 1, Sizing::OwnHeader},
+    {"PO Box Zones", R::pobZonesRba.at, 0, 0, 1, Sizing::OwnHeader},
+};
+static_assert(std::size(kDefs) == kTables);
+
+// The military table has two parts, each with its own count; the zones have one.
+void sizeByHeader(TableId id, std::span<const unsigned char> file, TablePlace& place) {
+  const std::size_t header = id == TableId::Military ? 4 : 2;
+  place.bytes = header;
+  if (place.rba + header > file.size()) return;
+  const unsigned char* at = file.data() + place.rba;
+  const std::uint64_t first = le::get<2>(at);
+  const std::uint64_t second = id == TableId::Military ? le::get<2>(at + 2) : 0;
+  place.count = first + second;
+  place.bytes += id == TableId::Military ? first * 38 + second * 42 : first * 2;
+}
+
+}  // namespace
+
+std::span<const TableDef, kTables> tableDefs() { return kDefs; }
+
+const TableDef& tableDef(TableId id) { return kDefs[static_cast<std::size_t>(id)]; }
+
+TablePlace placeTable(TableId id, std::span<const unsigned char> file) {
+  const TableDef& def = tableDef(id);
+  const bool cut = (le::get<4>(file.data() + R::typeFlags.at) & kTypeStateCut) != 0;
+  const std::uint32_t width = cut ? def.cutWidth : def.width;
+  TablePlace place;
+  place.rba = le::get<4>(file.data() + def.rbaAt);
+  if (def.countAt != 0) place.count = le::get<4>(file.data() + def.countAt);
+  switch (def.sizing) {
+    case Sizing::OneLess:
+      if (place.count > 0) --place.count;
+      break;
+    case Sizing::Fixed:
+      place.count = kZipIndexEntries;
+      break;
+    case Sizing::OwnHeader:
+      place.carried = place.rba != 0;
+      if (place.carried) sizeByHeader(id, file, place);
+      break;
+    case Sizing::Records:
+      place.carried = !cut || def.cutWidth != 0;
+      break;
+  }
+  if (!place.carried) {
+    place.count = 0;
+    return place;
+  }
+  if (def.sizing != Sizing::OwnHeader) place.bytes = place.count * width;
+  place.fits = place.bytes == 0 ||
+               (place.rba >= RefControlRec::size && place.rba + place.bytes <= file.size());
+  return place;
+}
+
+}  // namespace statecut::verify

@@ -1,0 +1,102 @@
+#include "verify/verify.h"
+
+#include <ostream>
+
+#include "verify/alone.h"
+#include "verify/cutchecks.h"
+
+namespace statecut::verify {
+
+namespace {
+
+char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+void checkAlone(const Pair& pair, Report& report) {
+  checkStamps(pair, report);
+  checkTables(pair, report);
+  checkRangeAreas(pair, report);
+  checkZipIndex(pair, report);
+  checkZipRecords(pair, report);
+  checkZipPartitions(pair, report);
+  checkCityNames(pair, report);
+  checkCityLinks(pair, report);
+  checkCitiesByState(pair, report);
+  checkCityPhonetics(pair, report);
+  checkNamePacking(pair, report);
+  checkStreetLinks(pair, report);
+  checkHash(pair, report);
+  checkMultiZip(pair, report);
+}
+
+void checkCut(const Pair& pair, const Pair& source, const std::vector<std::string>& states,
+              Report& report) {
+  const CutCase cut = deriveCut(pair, source, states);
+  checkCutControl(cut, report);
+  checkCutRangeControl(cut, report);
+  if (!pair.isCut()) return;  // it holds other tables
+  checkCutLayout(cut, report);
+  checkCutTables(cut, report);
+  checkCutZips(cut, report);
+  checkCutCities(cut, report);
+  checkCutHash(cut, report);
+  checkCutRange(cut, report);
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> parseStates(const std::string& list) {
+  std::vector<std::string> states;
+  std::string word;
+  for (const char c : list + ',') {
+    if (c != ',' && c != ' ' && c != '\t' && c != '\n') {
+      word += upper(c);
+      continue;
+    }
+    if (word.empty()) continue;
+    const auto letter = [](char l) { return l >= 'A' && l <= 'Z'; };
+    if (word.size() != 2 || !letter(word[0]) || !letter(word[1])) return {};
+    states.push_back(word);
+    word.clear();
+  }
+  if (states.empty()) return {};
+  return states;
+}
+
+Report check(const Options& options, std::string& error) {
+  Report report;
+  const Pair pair = Pair::open(options.ref, options.rng, error);
+  if (!error.empty()) return report;
+  Pair source;
+  std::optional<std::vector<std::string>> states;
+  if (options.withSource()) {
+    states = parseStates(options.states);
+    if (!states) error = "not a list of two-letter states: \"" + options.states + "\"";
+    if (error.empty()) source = Pair::open(options.sourceRef, options.sourceRng, error);
+    if (!error.empty()) return report;
+    if (const std::string problem = sourceProblem(source); !problem.empty()) {
+      error = "can't compare with " + options.sourceRef + ", " + options.sourceRng + ": " + problem;
+      return report;
+    }
+  }
+  if (!checkTypes(pair, report)) return report;
+  checkAlone(pair, report);
+  if (states) checkCut(pair, source, *states, report);
+  return report;
+}
+
+int run(const Options& options, std::ostream& out, std::ostream& err) {
+  std::string error;
+  const Report report = check(options, error);
+  if (!error.empty()) {
+    err << "statedb verify: " << error << '\n';
+    return 2;
+  }
+  const FileNames names{options.ref, options.rng};
+  if (options.json)
+    printJson(out, report, names);
+  else
+    printText(out, report, names);
+  return report.clean() ? 0 : 1;
+}
+
+}  // namespace statecut::verify
