@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "dbfiles/controlrec.h"
-#include "dbfiles/stream.h"
-#include "log/procobj.h"
+#include "../dbfiles/controlrec.h"
+#include "../dbfiles/stream.h"
+#include "../log/procobj.h"
 
 namespace statecut {
 

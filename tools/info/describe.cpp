@@ -44,6 +44,15 @@ void describeTables(std::span<const unsigned char> bytes, FileInfo& file) {
                    [](const TableInfo& a, const TableInfo& b) { return a.rba < b.rba; });
 }
 
+void countPlaces(std::span<const unsigned char> bytes, FileInfo& file) {
+  const verify::TablePlace names = verify::placeTable(verify::TableId::CityNames, bytes);
+  if (names.fits && names.count > 0) file.cityNames = names.count - 1;
+  const verify::TablePlace index = verify::placeTable(verify::TableId::ZipIndex, bytes);
+  if (!index.carried || !index.fits) return;
+  for (std::uint64_t zip = 0; zip < verify::kZipIndexEntries; ++zip)
+    if (le::get<2>(bytes.data() + index.rba + 2 * zip) != 0) ++file.zipCodes;
+}
+
 void describeStates(std::span<const unsigned char> bytes, FileInfo& file) {
   const verify::TablePlace place = verify::placeTable(verify::TableId::ZipBytes, bytes);
   if (!place.carried || !place.fits) return;
@@ -112,6 +121,7 @@ FileInfo describe(const std::string& path, std::span<const unsigned char> bytes)
     file.damage.push_back("shorter than its control record");
   } else {
     describeTables(bytes, file);
+    countPlaces(bytes, file);
     describeStates(bytes, file);
   }
   return file;

@@ -83,6 +83,10 @@ nlohmann::ordered_json toJson(const FileInfo& file) {
     json["buildStamp"] = file.buildStamp;
     json["cutStamp"] = file.cutStamp;
     const bool counts = file.type == "reference";
+    if (counts) {
+      json["zipCodes"] = file.zipCodes;
+      json["cityNames"] = file.cityNames;
+    }
     ordered_json tables = ordered_json::array();
     for (const TableInfo& table : file.tables) {
       ordered_json one = {{"name", table.name}, {"rba", table.rba}};
@@ -120,6 +124,8 @@ void printText(std::ostream& out, const FileInfo& file) {
         {"cut        ", cut},
         {"bytes      ", std::to_string(file.bytes)}})
     out << "  " << label << value << '\n';
+  if (file.type == "reference")
+    out << "  ZIP codes  " << file.zipCodes << "\n  cities     " << file.cityNames << '\n';
   printTables(out, file);
   if (!file.states.empty()) printStates(out, file);
 }

@@ -1,0 +1,1 @@
+// The precompiled header needs a target with a source.
