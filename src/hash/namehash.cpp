@@ -5,6 +5,7 @@
 
 #include "dbfiles/apiutil.h"
 #include "dbfiles/controlrec.h"
+#include "dbfiles/stream.h"
 #include "tables/refpointers.h"
 #include "tables/rows.h"
 
@@ -144,15 +145,21 @@ unsigned char* findIn(const unsigned char* name, std::int32_t length, std::uint3
 constexpr std::int32_t kFirmRead = 41;
 constexpr std::int32_t kStreetRead = 29;
 
-// Reads candidate names from the file. A short read leaves what the buffer held; the results of
-// the reads are not looked at.
+// A short read leaves what `to` held; the result is not looked at. Nothing is read without a file
+// and behind a read error, where the reader would stop the program.
+void readReference(ProcObj* proc, std::uint32_t rba, std::int32_t count, unsigned char* to) {
+  Stream* file = proc->files == nullptr ? nullptr : proc->files->reference;
+  if (file != nullptr && !streamError(file)) dbReadFile(file, rba, count, to, proc);
+}
+
+// Reads candidate names from the file.
 struct FileNames {
   ProcObj* proc;
   const RefControlRec& record;
   std::array<unsigned char, kFirmRead> buffer{};
 
   const unsigned char* read(std::uint32_t rba, std::int32_t count) {
-    dbReadFile(proc->files->reference, rba, count, buffer.data(), proc);
+    readReference(proc, rba, count, buffer.data());
     return buffer.data();
   }
 
@@ -223,8 +230,8 @@ std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std:
   if (probe.slot >= record->get(RefControlRec::hashTableCount)) return kNotFound;
 
   HashSlotRow slot{};
-  dbReadFile(proc->files->reference, record->get(RefControlRec::hashTableRba) + 7 * probe.slot, 7,
-             slot.bytes.data(), proc);
+  readReference(proc, record->get(RefControlRec::hashTableRba) + 7 * probe.slot, 7,
+                slot.bytes.data());
   FileNames names{proc, *record};
   const std::uint32_t count = slot.get(HashSlotRow::count);
   const std::uint32_t number = slot.get(HashSlotRow::number);
@@ -235,8 +242,8 @@ std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std:
   }
   // Reads 7 bytes an entry although an entry has 6. This is meant.
   std::array<unsigned char, 255 * 7> entries{};
-  dbReadFile(proc->files->reference, record->get(RefControlRec::hashOverflowRba) + 6 * number,
-             static_cast<std::int32_t>(count * 7), entries.data(), proc);
+  readReference(proc, record->get(RefControlRec::hashOverflowRba) + 6 * number,
+                static_cast<std::int32_t>(count * 7), entries.data());
   for (std::uint32_t i = 0; i < count; ++i) {
     const unsigned char* entry = entries.data() + i * HashOverflowRow::size;
     if (le::get<2>(entry) != probe.check) continue;

@@ -1,13 +1,13 @@
 #pragma once
 // The block cache: recently read pieces of a database file, most recently used first. A block cache
 // holds aligned blocks of one size, a large cache records by their exact start. Lengths are signed;
-// a null cache or a negative length is a miss (-1). Pointers into an entry stay good until its
-// buffer is refilled.
+// a null cache or a negative length is a miss (-1; -2 for pointer reads from a null cache).
+// Pointers into an entry stay good until its buffer is refilled.
 
 #include <cstdint>
 
-#include "dbfiles/stream.h"
-#include "log/procobj.h"
+#include "../dbfiles/stream.h"
+#include "../log/procobj.h"
 
 namespace statecut {
 

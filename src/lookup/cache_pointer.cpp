@@ -65,6 +65,10 @@ using PieceReader = std::int32_t(Cache*, std::uint32_t, CacheControlBlock*, Piec
 std::int32_t readPiece(PieceReader* reader, Cache* cache, std::uint32_t rba, std::int32_t length,
                        unsigned char** out, std::int32_t* remaining, std::uint32_t* nextRba,
                        std::int32_t* copied) {
+  if (cache == nullptr) {
+    *out = nullptr;
+    return -2;
+  }
   Piece piece{nullptr, length, 0, 0, 0};
   const std::int32_t result =
       reader(cache, rba, pProcObj == nullptr ? nullptr : pProcObj->cache, &piece);

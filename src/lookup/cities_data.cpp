@@ -82,8 +82,9 @@ CityDataRow* dbGetCityDataOff(std::int32_t key) {
   static CityDataRow buff{};
   const RefControlRec* ref = refRecord();
   if (ref == nullptr || key < 1) return nullptr;
+  // The count compares as a signed number.
+  if (key > static_cast<std::int32_t>(ref->get(RefControlRec::cityDataCount))) return nullptr;
   const auto index = static_cast<std::uint32_t>(key);
-  if (index > ref->get(RefControlRec::cityDataCount)) return nullptr;
   if (!readRowCached(ref->get(RefControlRec::cityDataRba), index, &buff)) return nullptr;
   return trace.leave(&buff);
 }

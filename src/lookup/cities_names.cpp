@@ -15,11 +15,12 @@ namespace {
 constexpr std::int32_t kMaxName = CityNameRow::name.width;
 constexpr std::int32_t kMaxHashKey = 30;
 
-// The control record when `key` is a city name key, else null.
+// The control record when `key` is a city name key, else null. The count compares as a signed
+// number, so a damaged one of 2^31 or more has no keys.
 const RefControlRec* refForKey(std::int32_t key) {
   const RefControlRec* ref = refRecord();
   const bool valid = ref != nullptr && key >= 1 &&
-                     static_cast<std::uint32_t>(key) <= ref->get(RefControlRec::cityNamesCount);
+                     key <= static_cast<std::int32_t>(ref->get(RefControlRec::cityNamesCount));
   return valid ? ref : nullptr;
 }
 

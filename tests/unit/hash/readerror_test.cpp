@@ -23,9 +23,9 @@ constexpr std::uint32_t kNamesAt = kFileAt + 2000;
 class DamagedFile : public HashBench {
  protected:
   DamagedFile() {
-    void* at = ::mmap(reinterpret_cast<void*>(std::uintptr_t{kFileAt}), std::size_t{2} * kPage,
-                      PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1,
-                      0);
+    void* at =
+        ::mmap(reinterpret_cast<void*>(std::uintptr_t{kFileAt}), std::size_t{2} * kPage,
+               PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
     EXPECT_NE(at, MAP_FAILED);
     ::munmap(static_cast<unsigned char*>(at) + kPage, kPage);
     page_ = static_cast<unsigned char*>(at);

@@ -165,6 +165,10 @@ TEST_F(BlockCache, NullCacheFindsNothing) {
   EXPECT_EQ(chGetCacheData(nullptr, 0, data), -1);
   EXPECT_EQ(chGetBlockCacheData(nullptr, nullptr, 0, 1, data, &proc_), -2);
   EXPECT_EQ(chGetBlockCacheDataPtr(nullptr, nullptr, 0, 1, &out_, &proc_), -2);
+  out_ = data;
+  EXPECT_EQ(chGetBlkCacheDataPtr(nullptr, 0, 1, &out_, &remaining_, &next_, &copied_), -2);
+  EXPECT_EQ(out_, nullptr);
+  EXPECT_EQ(chGetBlkLargeCacheDataPtr(nullptr, 0, 1, &out_, &remaining_, &next_, &copied_), -2);
   EXPECT_EQ(chFillCacheFromFile(nullptr, nullptr, 0, &proc_), -1);
   EXPECT_EQ(chFillLargeCacheFromFile(nullptr, nullptr, 0, 1, &proc_), -1);
   records();
