@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "log/procobj.h"
+#include "../log/procobj.h"
 
 namespace statecut {
 

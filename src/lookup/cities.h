@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "log/procobj.h"
-#include "tables/rows.h"
+#include "../log/procobj.h"
+#include "../tables/rows.h"
 
 namespace statecut {
 

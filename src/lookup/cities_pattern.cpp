@@ -25,6 +25,8 @@ bool matches(const CityNameRow& record, const char* state, const char* text, Nam
 }
 
 // The key of the record at a position, and the position behind it.
+constexpr std::uint64_t kLastPosition = 0x7FFFFFFF;
+
 std::int32_t behind(std::uint64_t position) { return static_cast<std::int32_t>(position + 1); }
 
 }  // namespace
@@ -46,7 +48,9 @@ std::int32_t seqSearchCityOff(const char* state, const char* text, NameMatcher m
   const Trace trace(kCitiesSource);
   const RefControlRec* ref = refRecord();
   if (start < 0 || matcher == nullptr || ref == nullptr) return -1;
-  const std::uint64_t count = ref->get(RefControlRec::cityNamesCount);
+  // A position behind the last one that is searched is a signed number.
+  const auto count =
+      std::min<std::uint64_t>(ref->get(RefControlRec::cityNamesCount), kLastPosition);
   const std::uint32_t table = ref->get(RefControlRec::cityNamesRba);
   CityNameRow record{};
   bool wasShort = false;

@@ -42,6 +42,9 @@ LookupPointers& lookupsOf(const ProcObj* proc) {
 
 void dbInitLookups() { dbLookupInstaller = installLookups; }
 
+// A program that calls through a lookup pointer links this file, and so need not ask for it.
+[[maybe_unused]] const bool installerSet = (dbInitLookups(), true);
+
 void installLookups(ProcObj* proc) {
   lookupsOf(proc) = {.pfnFindFirm = dbFindFirmFirst,
                      .pfnFindStreetKey = dbFindStreetFirst,

@@ -2,11 +2,11 @@
 // The pointers through which the lookups are called when the variant is open. A null pointer
 // counts as holding the First variant (findStreetVartn: the In variant).
 
-#include "log/procobj.h"
-#include "lookup/cities.h"
-#include "lookup/firm.h"
-#include "lookup/street.h"
-#include "lookup/zip.h"
+#include "../log/procobj.h"
+#include "../lookup/cities.h"
+#include "../lookup/firm.h"
+#include "../lookup/street.h"
+#include "../lookup/zip.h"
 
 namespace statecut {
 
@@ -57,7 +57,8 @@ extern UnusedLookup dbGetCountyDataFromKey;
 extern UnusedLookup dbGetPattern;
 extern UnusedLookup dbGetPatternKey;
 
-// Makes a successful dbOpenRefDB call installLookups. Call it once before opening.
+// Makes a successful dbOpenRefDB call installLookups. Done at start-up in every program that uses a
+// lookup pointer.
 void dbInitLookups();
 
 // Every member of `proc` (a process-wide record when it has none), dbFindCity, dbFindTruncCity and

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "log/procobj.h"
-#include "lookup/street.h"
-#include "tables/rows.h"
+#include "../log/procobj.h"
+#include "../lookup/street.h"
+#include "../tables/rows.h"
 
 namespace statecut {
 

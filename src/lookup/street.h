@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "log/procobj.h"
+#include "../log/procobj.h"
 
 namespace statecut {
 

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "tables/rows.h"
+#include "../tables/rows.h"
 
 namespace statecut {
 

@@ -18,7 +18,9 @@ void guardStandardDescriptors() {
 
 void prepareProcess() {
   guardStandardDescriptors();
+  // A file at its size limit and a pipe that nobody reads are write errors, reported as such.
   (void)std::signal(SIGXFSZ, SIG_IGN);
+  (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
 }  // namespace statecut

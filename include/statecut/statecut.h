@@ -1,0 +1,8 @@
+#pragma once
+// The whole interface of the library.
+
+#include "files.h"
+#include "log.h"
+#include "lookup.h"
+#include "session.h"
+#include "tables.h"

@@ -1,0 +1,158 @@
+#include "lookup/session.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "dbfiles/apiutil.h"
+#include "dbfiles/memory.h"
+#include "lookup/support.h"
+
+namespace statecut {
+
+namespace {
+
+constexpr std::int32_t kPlainLogLevel = 3;
+
+// dbTerminate keeps freed pointers and skips tables; a session leaves every slot empty.
+void freeTables() {
+  for (std::size_t slot = 0; slot < kSlotCount; ++slot) {
+    const bool inPlace =
+        slot == kSlotHashMask || slot == kSlotMilitaryHeader || slot == kSlotPobZoneCount;
+    if (!inPlace && slot != kSlotMilitarySecond) freeTable(refPointers[slot].table);
+    refPointers[slot] = {};
+  }
+  streetPhnVariation = {};
+  streetStdVariation = {};
+}
+
+std::string cannotOpen(const std::string& path) {
+  return "cannot open " + path + ": " + std::strerror(errno);
+}
+
+}  // namespace
+
+bool Session::openLog(const SessionSettings& settings, std::string& error) {
+  if (settings.log.empty()) return true;
+  if (sameFile(settings.log.c_str(), settings.ref.c_str()) ||
+      (!settings.rng.empty() && sameFile(settings.log.c_str(), settings.rng.c_str()))) {
+    error = "the log would be written into a database: " + settings.log;
+    return false;
+  }
+  // A log that cannot be opened is reported there.
+  if (utlInitLog(settings.trace ? kDebug : kPlainLogLevel, settings.log.c_str(), &proc_) == 0)
+    return true;
+  error = "cannot write the log " + settings.log;
+  return false;
+}
+
+bool Session::openReference(const SessionSettings& settings, std::string& error) {
+  if (mode_ == LookupMode::kFirst) dbInitLookups();
+  proc_.files->reference = dbOpenRefDB(&proc_, settings.ref.c_str());
+  if (proc_.files->reference == nullptr) {
+    error = cannotOpen(settings.ref);
+    return false;
+  }
+  const RefControlRec* record = dbReadRefControlRec(proc_.files->reference, &proc_);
+  constexpr std::uint32_t kTypes = kTypeReference | kTypeRange;
+  if (record != nullptr && (record->get(RefControlRec::typeFlags) & kTypes) == kTypeReference)
+    return true;
+  error = settings.ref + " is not a reference database";
+  return false;
+}
+
+bool Session::openRange(const SessionSettings& settings, std::string& error) {
+  if (settings.rng.empty()) return true;
+  proc_.files->range = dbOpenRangeDB(&proc_, settings.rng.c_str());
+  if (proc_.files->range == nullptr) {
+    error = cannotOpen(settings.rng);
+    return false;
+  }
+  proc_.rngControlRec = dbReadRangeControlRec(proc_.files->range, &proc_);
+  if (proc_.rngControlRec == nullptr) {
+    error = settings.rng + " is not a range database";
+    return false;
+  }
+  pairMatches_ = evalTimeStamps(proc_.refControlRec, proc_.rngControlRec, &proc_) == 0;
+  return true;
+}
+
+bool Session::buildCache(const SessionSettings& settings, std::string& error) {
+  if (!settings.cached) return true;
+  constexpr std::uint32_t kMost = 0x7FFFFFFF;
+  if (settings.cacheEntries <= kMost)
+    cache_.refCache =
+        chConstructCache(settings.cacheBlock, static_cast<std::int32_t>(settings.cacheEntries));
+  if (cache_.refCache != nullptr) return true;
+  error = "cannot build a cache of " + std::to_string(settings.cacheEntries) + " blocks of " +
+          std::to_string(settings.cacheBlock) + " bytes";
+  return false;
+}
+
+bool Session::openAll(const SessionSettings& settings, std::string& error) {
+  if (!openLog(settings, error) || !openReference(settings, error) || !openRange(settings, error) ||
+      !buildCache(settings, error))
+    return false;
+  if (mode_ == LookupMode::kIn) installInLookups(&proc_);
+  if (mode_ == LookupMode::kOff) installOffLookups(&proc_);
+  if (prepare(settings.sets)) return true;
+  error = "cannot load the tables of " + settings.ref;
+  return false;
+}
+
+bool Session::open(const SessionSettings& settings, std::string& error) {
+  close();
+  if (pProcObj != nullptr) {
+    error = "another session is open";
+    return false;
+  }
+  mode_ = settings.mode;
+  proc_.files = &proc_.fileRecord;
+  proc_.stats = &proc_.statistics;
+  proc_.options = &options_;
+  proc_.lookups = &lookups_;
+  proc_.cache = &cache_;
+  options_.debugSwitch = settings.trace ? 'D' : ' ';
+  pProcObj = &proc_;
+  if (openAll(settings, error)) return true;
+  close();
+  return false;
+}
+
+void Session::close() {
+  if (pProcObj != &proc_) return;
+  chFreeStageBuffer();
+  freeTables();
+  streamClose(proc_.fileRecord.reference);
+  streamClose(proc_.fileRecord.range);
+  utlLogMsgClose(&proc_.fileRecord.log);
+  freeTable(proc_.refControlRec);
+  freeTable(proc_.rngControlRec);
+  if (cache_.refCache != nullptr) chFreeCache(&cache_.refCache);
+  pProcObj = nullptr;
+  proc_ = {};
+  lookups_ = {};
+  cache_ = {};
+  prepared_ = 0;
+  pairMatches_ = true;
+}
+
+bool Session::prepareNew(std::uint32_t sets) {
+  prepared_ |= sets;
+  if (mode_ == LookupMode::kOff) return true;
+  bool complete = true;
+  for (const SetReader& set : setReaders()) {
+    if ((sets & set.set) == 0) continue;
+    if (mode_ == LookupMode::kIn) {
+      // An empty table answers "not found".
+      if (readFails(set.reader, &proc_)) complete = false;
+    } else if (!set.choices.empty()) {
+      const bool inMemory = !readFails(set.reader, &proc_);
+      for (ChooseVariant* choose : set.choices) choose(inMemory);
+    }
+  }
+  if (mode_ == LookupMode::kIn && (sets & (kStreetPhoneticSet | kStreetStandardSet)) != 0)
+    fillStreetVariations(&proc_, false);
+  return complete;
+}
+
+}  // namespace statecut

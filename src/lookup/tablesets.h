@@ -1,0 +1,39 @@
+#pragma once
+// Sets of tables that are loaded together, their readers and the lookups that a load decides.
+
+#include <cstdint>
+#include <span>
+
+#include "../tables/dbapi.h"
+
+namespace statecut {
+
+// Bits.
+enum TableSet : std::uint32_t {
+  kZipSet = 1U << 0,
+  kCitySet = 1U << 1,
+  kMultiZipSet = 1U << 2,
+  kGeneralDeliverySet = 1U << 3,
+  kCityNameSet = 1U << 4,
+  kCityPhoneticSet = 1U << 5,
+  kStreetNameSet = 1U << 6,
+  kStreetPhoneticSet = 1U << 7,
+  kStreetStandardSet = 1U << 8,
+  kFirmSet = 1U << 9,
+  kHashSet = 1U << 10,
+  kZipBytesSet = 1U << 11
+};
+inline constexpr std::uint32_t kLookupSets = kZipBytesSet - 1;  // all that lookups use
+
+// Makes one lookup pointer hold its In or its Off variant.
+using ChooseVariant = void(bool inMemory);
+
+struct SetReader {
+  std::uint32_t set;  // a TableSet
+  TableReader* reader;
+  std::span<ChooseVariant* const> choices;  // empty where lookups have First variants
+};
+
+[[nodiscard]] std::span<const SetReader> setReaders();
+
+}  // namespace statecut

@@ -1,0 +1,175 @@
+// Opening and closing a database for lookups.
+
+#include <statecut/session.h>
+
+#include <array>
+
+#include "lookupbench.h"
+
+namespace statecut::test {
+namespace {
+
+constexpr std::array kModes = {LookupMode::kIn, LookupMode::kOff, LookupMode::kFirst};
+
+class SessionTest : public SmallDatabase {
+ protected:
+  SessionTest() {
+    word(RefControlRec::typeFlags.at, kTypeReference);
+    LookupBench::open();
+    pProcObj = nullptr;  // as in a program that has only the session
+    settings_.ref = path("city.dir");
+  }
+
+  bool opens() { return session_.open(settings_, error_); }
+
+  SessionSettings settings_;
+  std::string error_;
+  Session session_;
+};
+
+TEST_F(SessionTest, AnswersAreTheSameInEveryMode) {
+  for (const LookupMode mode : kModes) {
+    SCOPED_TRACE(static_cast<int>(mode));
+    settings_.mode = mode;
+    ASSERT_TRUE(opens()) << error_;
+    std::uint32_t key = 0;
+    const ZipDataRow* found = dbGetZipData(73301, &key);
+    ASSERT_NE(found, nullptr);
+    const ZipDataRow zip = *found;
+    EXPECT_EQ(key, 2u);
+    EXPECT_EQ(keysOf(dbGetCityKeysPtr(&zip), 3), (std::vector<std::uint32_t>{12, 13, 14}));
+    EXPECT_EQ(nameOf(dbFindCity("TX", "AUSTIN", 6)), "AUSTIN");
+    EXPECT_EQ(dbFindCity("TX", "AUST", 4), nullptr);
+    EXPECT_EQ(dbGetCityData(2)->get(CityDataRow::nameUsps), 2u);
+    EXPECT_EQ(session_.proc()->lookups->pfnFindFirm("ACME", 4, session_.proc()), 0);
+    EXPECT_NE(dbGetGenrlDelvry(1), nullptr);
+    std::int8_t flag = 0;
+    std::int32_t count = 0;
+    const std::uint32_t* streets = session_.proc()->lookups->pfnFindStreetVar(
+        "MAIN", 4, nullptr, 0, kStandardVariation, &flag, &count);
+    ASSERT_NE(streets, nullptr);
+    EXPECT_EQ(streets[0], 42u);
+  }
+}
+
+TEST_F(SessionTest, CloseLeavesNoTableAndNoAnswer) {
+  ASSERT_TRUE(opens()) << error_;
+  ASSERT_NE(dbGetZipIndex(73301), -1);
+  ASSERT_NE(streetStdVariation.index, nullptr);
+  session_.close();
+  EXPECT_EQ(pProcObj, nullptr);
+  EXPECT_EQ(dbGetZipIndex(73301), -1);
+  EXPECT_EQ(dbFindCity("TX", "AUSTIN", 6), nullptr);
+  EXPECT_EQ(streetStdVariation.index, nullptr);
+  for (const RefSlot& slot : refPointers) EXPECT_EQ(slot.table, nullptr);
+  session_.close();
+}
+
+TEST_F(SessionTest, OnlyOneIsOpenAtATime) {
+  Session other;
+  ASSERT_TRUE(opens()) << error_;
+  EXPECT_FALSE(other.open(settings_, error_));
+  EXPECT_EQ(error_, "another session is open");
+  EXPECT_NE(dbGetZipIndex(73301), -1) << "the first one goes on";
+  session_.close();
+  EXPECT_TRUE(other.open(settings_, error_)) << error_;
+}
+
+TEST_F(SessionTest, OpeningAgainClosesFirst) {
+  ASSERT_TRUE(opens()) << error_;
+  settings_.ref = path("missing.dir");
+  EXPECT_FALSE(opens());
+  EXPECT_EQ(error_, "cannot open " + settings_.ref + ": No such file or directory");
+  EXPECT_EQ(pProcObj, nullptr);
+}
+
+TEST_F(SessionTest, AFileThatIsNoReferenceDatabaseIsRefused) {
+  ASSERT_TRUE(opens()) << error_;
+  word(RefControlRec::typeFlags.at, kTypeReference | kTypeRange);
+  settings_.ref = write("both.dir", file_);
+  EXPECT_FALSE(opens());
+  EXPECT_EQ(error_, settings_.ref + " is not a reference database");
+}
+
+// The ZIP data are said to be larger than any table may be.
+class SessionOfUnloadable : public SessionTest {
+ protected:
+  SessionOfUnloadable() {
+    word(RefControlRec::zipDataCount.at, 0xFFFFFFFF);
+    settings_.ref = write("large.dir", file_);
+  }
+};
+
+TEST_F(SessionOfUnloadable, InMemoryRefusesATableThatCannotBeLoaded) {
+  EXPECT_FALSE(opens());
+  EXPECT_EQ(error_, "cannot load the tables of " + settings_.ref);
+  settings_.sets = kCityNameSet | kHashSet;
+  EXPECT_TRUE(opens()) << "not asked for: " << error_;
+  EXPECT_EQ(nameOf(dbFindCity("TX", "AUSTIN", 6)), "AUSTIN");
+  EXPECT_FALSE(session_.prepare(kZipSet));
+  EXPECT_TRUE(session_.prepare(kZipSet)) << "tried once";
+  EXPECT_TRUE(session_.prepare(kCitySet));
+}
+
+TEST_F(SessionOfUnloadable, FirstTakesTheOffVariantOfATableThatCannotBeLoaded) {
+  settings_.mode = LookupMode::kFirst;
+  ASSERT_TRUE(opens()) << error_;
+  EXPECT_EQ(dbGetZipIndex, dbGetZipIndexOff);
+  EXPECT_EQ(dbGetCityData, dbGetCityDataIn);
+  EXPECT_EQ(dbGetZipIndex(73301), 2);
+}
+
+TEST_F(SessionTest, OnDiskReadsThroughTheCache) {
+  settings_.mode = LookupMode::kOff;
+  settings_.cached = true;
+  settings_.cacheBlock = 64;
+  EXPECT_FALSE(opens()) << "no entries";
+  EXPECT_EQ(error_, "cannot build a cache of 0 blocks of 64 bytes");
+  settings_.cacheEntries = 8;
+  ASSERT_TRUE(opens()) << error_;
+  ASSERT_NE(dbGetZipDataFromKey(1), nullptr);
+  const std::uint32_t before = session_.proc()->cache->found;
+  ASSERT_NE(dbGetZipDataFromKey(1), nullptr);
+  EXPECT_GT(session_.proc()->cache->found, before);
+}
+
+TEST_F(SessionTest, TraceGoesToTheLog) {
+  settings_.log = path("trace.log");
+  settings_.trace = true;
+  ASSERT_TRUE(opens()) << error_;
+  EXPECT_NE(dbGetZipIndex(73301), -1);
+  session_.close();
+  const Bytes log = contents("trace.log");
+  const std::string text(log.begin(), log.end());
+  EXPECT_NE(text.find("Entering dbGetZipIndexIn"), std::string::npos);
+  EXPECT_NE(text.find("Leaving dbGetZipIndexIn"), std::string::npos);
+}
+
+TEST_F(SessionTest, ALogOverADatabaseIsRefused) {
+  ASSERT_TRUE(opens()) << error_;
+  settings_.log = settings_.ref;
+  const Bytes before = contents("city.dir");
+  EXPECT_FALSE(opens());
+  EXPECT_EQ(error_, "the log would be written into a database: " + settings_.log);
+  EXPECT_EQ(contents("city.dir"), before);
+}
+
+TEST_F(SessionTest, ARangeFileOfAnotherPairIsNoticed) {
+  Bytes range(RngControlRec::size);
+  putWord(range, RngControlRec::typeFlags.at, kTypeRange);
+  settings_.rng = write("zip4us.dir", range);
+  ASSERT_TRUE(opens()) << error_;
+  EXPECT_TRUE(session_.pairMatches());
+  putWord(range, RngControlRec::buildTimeStamp.at, 1);
+  settings_.rng = write("other.dir", range);
+  ASSERT_TRUE(opens()) << error_;
+  EXPECT_FALSE(session_.pairMatches());
+  settings_.rng = write("short.dir", Bytes(10));
+  EXPECT_FALSE(opens());
+  EXPECT_EQ(error_, settings_.rng + " is not a range database");
+  settings_.rng = path("missing.dir");
+  EXPECT_FALSE(opens());
+}
+
+}  // namespace
+}  // namespace statecut::test
