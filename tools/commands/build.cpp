@@ -1,5 +1,6 @@
 // statedb build: makes a database pair.
 
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -65,6 +66,15 @@ builder::ProfileOptions profileOptions(const BuildSettings& settings) {
   return options;
 }
 
+// Decimal digits alone, at most 64 bits.
+std::uint64_t parseSeed(const std::string& text) {
+  std::uint64_t seed = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seed);
+  if (error != std::errc{} || end != text.data() + text.size())
+    throw CLI::ValidationError("--seed", text + " is no number from 0 to 18446744073709551615");
+  return seed;
+}
+
 int build(const BuildSettings& settings) {
   std::vector<builder::Place> places;
   std::string error;
@@ -102,8 +112,12 @@ void addBuildCommand(CLI::App& app, int& status) {
   CLI::Option* zips =
       command->add_option("--zips", settings->zips, "ZIP codes, cities and counties (national)")
           ->type_name("CSV");
-  command->add_option("--seed", settings->seed, "What is not in the CSV file follows from it")
-      ->capture_default_str();
+  command
+      ->add_option_function<std::string>(
+          "--seed", [settings](const std::string& text) { settings->seed = parseSeed(text); },
+          "What is not in the CSV file follows from it")
+      ->type_name("UINT")
+      ->default_str("1");
   command->add_option("--range-mb", settings->rangeMb, "About the size of zip4us.dir, in MiB")
       ->check(CLI::Range(std::uint32_t{1}, mostRangeMb));
   command->add_option("--streets", settings->streets, "Number of street names")

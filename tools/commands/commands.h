@@ -1,6 +1,6 @@
 #pragma once
-// The subcommands of statedb. Each function adds one subcommand to the app; when it is chosen, its
-// callback runs the command and stores the exit status.
+// The subcommands of statedb. Each function adds its subcommands to the app; when one is chosen,
+// its callback runs the command and stores the exit status.
 
 #include <CLI/CLI.hpp>
 
@@ -9,5 +9,7 @@ namespace statecut {
 void addBuildCommand(CLI::App& app, int& status);
 void addInfoCommand(CLI::App& app, int& status);
 void addVerifyCommand(CLI::App& app, int& status);
+void addQueryCommand(CLI::App& app, int& status);
+void addLookupCommands(CLI::App& app, int& status);  // the short forms: zip, city, street, firm
 
 }  // namespace statecut

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "commands/commands.h"
+#include "verify/mapped.h"
 #include "verify/verify.h"
 
 namespace statecut {
@@ -22,7 +23,10 @@ void addVerifyCommand(CLI::App& app, int& status) {
     for (auto* other : {sourceRef, sourceRng, states})
       if (one != other) one->needs(other);
   command->footer("Exit status: 0 nothing wrong, 1 findings, 2 the check can't run.");
-  command->callback([options, &status] { status = verify::run(*options, std::cout, std::cerr); });
+  command->callback([options, &status] {
+    verify::exitOnLostPage();
+    status = verify::run(*options, std::cout, std::cerr);
+  });
 }
 
 }  // namespace statecut

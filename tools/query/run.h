@@ -1,0 +1,29 @@
+#pragma once
+// Calls of operations: one, or a stream of JSON lines.
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "lookup/session.h"
+
+namespace statecut::query {
+
+// Exit statuses.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;     // a call that cannot be made; not found, in the short forms
+inline constexpr int kCannotRun = 2;  // usage, files, standard streams
+
+// Each appends one answer line to `out`; false when that is an error.
+bool answerWords(Session& session, bool decode, std::span<const std::string> words,
+                 std::string& out);
+bool answerLine(Session& session, bool decode, std::string_view line, std::string& out);
+
+// Answers the lines of a descriptor until its end, on another. Answers are held back only while
+// a further whole line is there to be read. An exit status.
+int serve(Session& session, bool decode, int in, int out);
+
+// Writes all bytes; false when that fails.
+[[nodiscard]] bool writeAll(int out, std::string_view bytes);
+
+}  // namespace statecut::query

@@ -1,0 +1,22 @@
+#pragma once
+// The short forms: one lookup with an answer for people. Each prints to `out`; false: not found.
+// Texts are tried as given, then in capitals.
+
+#include <cstdint>
+#include <ostream>
+#include <string>
+
+#include "lookup/session.h"
+
+namespace statecut::query {
+
+// A ZIP code with its cities, its partitions and their sizes.
+bool showZip(Session& session, std::int32_t zip, std::ostream& out);
+// A city with its ZIP codes, or the cities that a pattern with a star fits.
+bool showCity(Session& session, const std::string& state, const std::string& name,
+              std::ostream& out);
+// A street by its name, and the streets that a variation stands for.
+bool showStreet(Session& session, const std::string& name, std::ostream& out);
+bool showFirm(Session& session, const std::string& name, std::ostream& out);
+
+}  // namespace statecut::query
