@@ -1,0 +1,26 @@
+#pragma once
+// The reference files of the suite, in memory.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "call.h"
+#include "dbbuilder/model.h"
+
+namespace statecut::test {
+
+struct Database {
+  std::string name;
+  Bytes file;
+};
+
+Database tinyDatabase();
+Database smallDatabase();
+Database randomLookupDatabase(std::uint64_t seed);  // valid; a function of the seed
+Database edgeDatabase();                            // where memory and file differ on purpose
+
+// The edge database (without its long lists) with one number damaged, each in turn.
+std::vector<Database> damagedDatabases();
+
+}  // namespace statecut::test

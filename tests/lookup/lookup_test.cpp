@@ -1,0 +1,109 @@
+// The same calls in every variant of the lookups, against an oracle that reads the file's bytes.
+//
+// STATECUT_LOOKUP_RUNS: number of random databases (100); STATECUT_LOOKUP_SEED: the first seed (1).
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "calls.h"
+#include "comparison.h"
+
+namespace statecut::test {
+namespace {
+
+template <Mode M, std::uint32_t BlockBytes = 0, std::int32_t Entries = 0>
+struct VariantType {
+  static constexpr Variant variant{M, BlockBytes, Entries};
+};
+
+using Variants = testing::Types<VariantType<Mode::kMemory>, VariantType<Mode::kDisk>,
+                                VariantType<Mode::kDisk, 64, 1>, VariantType<Mode::kDisk, 64, 8>,
+                                VariantType<Mode::kDisk, 4096, 1>,
+                                VariantType<Mode::kDisk, 4096, 8>, VariantType<Mode::kFirst>>;
+
+struct VariantNames {
+  template <typename Type>
+  static std::string GetName(int) {
+    constexpr Variant variant = Type::variant;
+    if (variant.mode == Mode::kMemory) return "InMemory";
+    if (variant.mode == Mode::kFirst) return "FirstCall";
+    if (variant.blockBytes == 0) return "OnDisk";
+    return "Cache" + std::to_string(variant.blockBytes) + "x" + std::to_string(variant.entries);
+  }
+};
+
+std::uint64_t setting(const char* name, std::uint64_t otherwise) {
+  const char* text = std::getenv(name);
+  return text != nullptr && *text != '\0' ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
+constexpr std::size_t kAll = 100000;
+constexpr std::size_t kFew = 3;
+constexpr int kFailuresShown = 5;
+
+template <typename Type>
+class LookupIn : public testing::Test {
+ protected:
+  std::string compare(const Database& database, std::size_t most,
+                      Soundness soundness = Soundness::kSound) {
+    return compareAnswers(Type::variant, database, callsOn(database.file, 1, most), soundness,
+                          tally_);
+  }
+
+  void compareDamaged() {
+    int failures = 0;
+    std::vector<Call> calls;
+    for (const Database& database : damagedDatabases()) {
+      if (calls.empty()) calls = callsOn(edgeDatabase().file, 1, kFew);
+      const std::string difference =
+          compareAnswers(Type::variant, database, calls, Soundness::kDamaged, tally_);
+      if (difference.empty()) continue;
+      ADD_FAILURE() << difference;
+      if (++failures == kFailuresShown) return;
+    }
+  }
+
+  void compareRandom(std::uint64_t shard, std::uint64_t shards) {
+    const std::uint64_t first = setting("STATECUT_LOOKUP_SEED", 1);
+    const std::uint64_t runs = setting("STATECUT_LOOKUP_RUNS", 100);
+    int failures = 0;
+    for (std::uint64_t i = shard; i < runs; i += shards) {
+      const std::string difference = compare(randomLookupDatabase(first + i), 60);
+      if (difference.empty()) continue;
+      ADD_FAILURE() << difference
+                    << "rerun: STATECUT_LOOKUP_RUNS=1 STATECUT_LOOKUP_SEED=" << first + i
+                    << " test_lookup";
+      if (++failures == kFailuresShown) return;
+    }
+  }
+
+  Tally tally_;
+};
+
+TYPED_TEST_SUITE(LookupIn, Variants, VariantNames);
+
+TYPED_TEST(LookupIn, TinyDatabaseAnswersAsItsBytesSay) {
+  EXPECT_EQ(this->compare(tinyDatabase(), kAll), "");
+  for (std::size_t op = 0; op < kOps; ++op) EXPECT_GT(this->tally_.calls[op], 0U) << op;
+}
+
+TYPED_TEST(LookupIn, SmallDatabaseAnswersAsItsBytesSay) {
+  EXPECT_EQ(this->compare(smallDatabase(), 40), "");
+}
+
+TYPED_TEST(LookupIn, RandomDatabasesAnswerAsTheirBytesSayFirstHalf) { this->compareRandom(0, 2); }
+TYPED_TEST(LookupIn, RandomDatabasesAnswerAsTheirBytesSaySecondHalf) { this->compareRandom(1, 2); }
+
+TYPED_TEST(LookupIn, DamagedNumbersAreDefinedAndEveryMeantDifferenceOccurs) {
+  EXPECT_EQ(this->compare(edgeDatabase(), 60), "");
+  this->compareDamaged();
+  for (std::size_t i = 0; i < kDifferences; ++i) {
+    EXPECT_EQ(static_cast<std::size_t>(kDifferenceTable[i].difference), i);
+    EXPECT_GT(this->tally_.occurred[i], 0U) << "never: " << kDifferenceTable[i].reason;
+  }
+}
+
+}  // namespace
+}  // namespace statecut::test
