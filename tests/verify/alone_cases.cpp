@@ -78,6 +78,14 @@ void swapPobSizes(PairBytes& pair) {
   std::swap_ranges(sizes, sizes + 6, sizes + 6);
 }
 
+// The first partition with bytes, one byte on: its last byte is then another's first.
+void moveFirstPartition(PairBytes& pair) {
+  std::size_t i = 1;
+  while (row<ZipBytesRow>(pair, R::zipBytesRba.at, i).get(ZipBytesRow::sfhBytes) == 0) ++i;
+  auto& zip = row<ZipDataRow>(pair, R::zipDataRba.at, i);
+  zip.set(ZipDataRow::sfhRba, zip.get(ZipDataRow::sfhRba) + 1);
+}
+
 std::vector<Case> fileCases() {
   return {
       {RuleId::FileShort, {}, [](PairBytes& p) { p.ref.resize(R::size - 1); }},
@@ -130,6 +138,13 @@ std::vector<Case> zipCases() {
          sfhRecord(p).set(CityMultiZipRow::sfhKey, p.word(R::multiZipListsCount.at));
        }},
       {RuleId::MultiZipOrder, {}, swapPobSizes},
+      {RuleId::MultiZipLists,
+       {},
+       [](PairBytes& p) {
+         const std::uint32_t key = sfhRecord(p).get(CityMultiZipRow::sfhKey);
+         le::put<2>(p.table(R::multiZipListsRba.at) + 2UL * key, 0xFFFF);
+       }},
+      {RuleId::RangeLayout, {}, moveFirstPartition},
       {RuleId::MultiZipBytes,
        {},
        [](PairBytes& p) { le::put<2>(p.table(R::pobMultiZipBytesRba.at), 0); }},

@@ -92,7 +92,7 @@ std::vector<HashName> encodeNameTables(const Model& model, EncodedTables& tables
   std::vector<HashName> hashed;
   const auto plain = [&](const std::vector<std::string>& names, Table table, Table rbos,
                          unsigned type) {
-    const std::vector<std::uint32_t> offsets = putNames(names, tables.of(table));
+    std::vector<std::uint32_t> offsets = putNames(names, tables.of(table));
     tables.of(rbos) = offsetTable(offsets);
     tables.count(table) = static_cast<std::uint32_t>(tables.of(table).size());
     tables.count(rbos) = static_cast<std::uint32_t>(offsets.size());

@@ -8,7 +8,7 @@ namespace statecut::builder {
 
 ProfileOptions tinyOptions() {
   ProfileOptions options;
-  options.rangeBytes = 256 * 1024;
+  options.rangeBytes = std::uint64_t{256} << 10;
   options.streets = 60;
   options.firms = 30;
   options.severalCitiesEvery = 6;
@@ -17,7 +17,7 @@ ProfileOptions tinyOptions() {
 
 ProfileOptions smallOptions() {
   ProfileOptions options;
-  options.rangeBytes = 3 * 1024 * 1024;
+  options.rangeBytes = std::uint64_t{3} << 20;
   options.streets = 800;
   options.firms = 200;
   options.severalCitiesEvery = 9;
@@ -26,7 +26,7 @@ ProfileOptions smallOptions() {
 
 ProfileOptions nationalOptions() {
   ProfileOptions options;
-  options.rangeBytes = std::uint64_t{200} * 1024 * 1024;
+  options.rangeBytes = std::uint64_t{200} << 20;
   options.streets = 20000;
   options.firms = 5000;
   options.severalCitiesEvery = 23;

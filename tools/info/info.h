@@ -34,8 +34,8 @@ struct FileInfo {
   std::string copyright;
   std::uint32_t buildStamp = 0;
   std::uint32_t cutStamp = 0;     // 0 = not cut
-  std::uint64_t zipCodes = 0;   // in the ZIP index of a reference file
-  std::uint64_t cityNames = 0;  // of a reference file, without the blank first record
+  std::uint64_t zipCodes = 0;     // in the ZIP index of a reference file
+  std::uint64_t cityNames = 0;    // of a reference file, without the blank first record
   std::vector<TableInfo> tables;  // of a range file: its partition areas
   std::vector<StateInfo> states;  // by abbreviation; only of a file with the Zip Bytes table
   std::vector<std::string> damage;

@@ -28,4 +28,6 @@ void checkHash(const Pair& pair, Report& report);  // after checkNamePacking
 
 void checkMultiZip(const Pair& pair, Report& report);
 
+void checkRangeLayout(const Pair& pair, Report& report);  // after checkMultiZip
+
 }  // namespace statecut::verify

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tables/rows.h"
@@ -15,7 +16,12 @@ namespace statecut::verify {
 
 namespace {
 
+// Groups of partitions in the order of the range file; multi-ZIP kinds follow.
+enum Group : std::uint64_t { kZips, kFirstMultiZip };
+
 struct Piece {
+  std::uint64_t group;
+  std::uint64_t order;  // in the group
   std::uint64_t rba;
   std::uint64_t bytes;
 };
@@ -27,13 +33,14 @@ class RangeCompare {
       : cut_(cut.cut.rngBytes()), source_(cut.source.rngBytes()), report_(report) {}
 
   void check(RuleId ruleId, std::size_t record, std::uint64_t rba, std::uint64_t sourceRba,
-             std::uint64_t bytes, const std::string& what) {
+             std::uint64_t bytes, const std::string& what, std::uint64_t group,
+             std::uint64_t order) {
     const auto fail = [&](std::uint64_t offset, const std::string& how) {
       report_.add(ruleId, File::Range, static_cast<std::int64_t>(record), offset, what + how);
     };
     if (rba < RngControlRec::size || rba + bytes > cut_.size())
       return fail(rba, ": " + std::to_string(bytes) + " bytes end past the file");
-    pieces_.push_back({rba, bytes});
+    pieces_.push_back({group, order, rba, bytes});
     // A source that ends early says nothing about the rest.
     const std::uint64_t known =
         sourceRba < source_.size() ? std::min<std::uint64_t>(bytes, source_.size() - sourceRba) : 0;
@@ -45,22 +52,24 @@ class RangeCompare {
                        std::to_string(bytes));
   }
 
-  // The pieces must lie end to end behind the control record, up to the end of the file.
-  void checkTiling() {
-    std::sort(pieces_.begin(), pieces_.end(),
-              [](const Piece& a, const Piece& b) { return a.rba < b.rba; });
+  std::size_t pieces() const { return pieces_.size(); }
+
+  // The pieces, empty ones too, must lie end to end behind the control record, in their order.
+  void checkLayout() {
+    std::sort(pieces_.begin(), pieces_.end(), [](const Piece& a, const Piece& b) {
+      return std::pair(a.group, a.order) < std::pair(b.group, b.order);
+    });
     std::uint64_t at = RngControlRec::size;
-    const auto fail = [&](std::uint64_t offset, const char* how) {
-      report_.add(RuleId::CutRangeLayout, File::Range, kNoRecord, offset,
-                  [&] { return std::string(how) + std::to_string(offset); });
-    };
     for (const Piece& piece : pieces_) {
-      if (piece.bytes == 0) continue;
-      if (piece.rba > at) fail(at, "no kept partition holds the bytes from ");
-      if (piece.rba < at) fail(piece.rba, "two partitions hold the bytes from ");
-      at = std::max(at, piece.rba + piece.bytes);
+      if (piece.rba != at)
+        report_.add(RuleId::CutRangeLayout, File::Range, kNoRecord, piece.rba,
+                    [&] { return "a partition begins here, its place is " + std::to_string(at); });
+      at = piece.rba + piece.bytes;
     }
-    if (at != cut_.size()) fail(at, "no kept partition holds the bytes from ");
+    if (at != cut_.size())
+      report_.add(RuleId::CutRangeLayout, File::Range, kNoRecord, at, [&] {
+        return "the partitions end here, the file has " + std::to_string(cut_.size()) + " bytes";
+      });
   }
 
  private:
@@ -98,7 +107,8 @@ void checkZipKind(const CutCase& cut, RbaField rbaField, BytesField bytesField,
         records[key].get(rbaField) == 0)
       continue;
     range.check(RuleId::CutPartitions, key, records[key].get(rbaField),
-                originals[key].get(rbaField), sizes[key].get(bytesField), rbaField.name);
+                originals[key].get(rbaField), sizes[key].get(bytesField), rbaField.name, kZips,
+                range.pieces());
   }
 }
 
@@ -132,8 +142,8 @@ class MultiZipPass {
       cutRbas_[key] = rba;
       const MultiZipUse::Source& source = use_.keys[key];
       range_.check(RuleId::CutMultiZipPartitions, record, rba, source.rba,
-                   static_cast<std::uint32_t>(source.bytes),
-                   "multi-ZIP key " + std::to_string(key));
+                   static_cast<std::uint32_t>(source.bytes), "multi-ZIP key " + std::to_string(key),
+                   kFirstMultiZip + static_cast<std::uint64_t>(kind_), key);
     } else if (cutRbas_[key] != rba) {
       report_.add(RuleId::CutMultiZipPartitions, File::Reference, static_cast<std::int64_t>(record),
                   offset, [&] {
@@ -194,7 +204,7 @@ void checkCutRange(const CutCase& cut, Report& report) {
                     report.count(RuleId::CutZipRecords) == 0 && cut.cut.usable(TableId::ZipData) &&
                     cut.cut.usable(TableId::CityMultiZipRbas) &&
                     cut.cut.usable(TableId::FinMultiZipRbas);
-  if (told) range.checkTiling();
+  if (told) range.checkLayout();
 }
 
 }  // namespace statecut::verify

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <utility>
 
@@ -22,6 +23,17 @@ struct Descriptor {
 };
 
 }  // namespace
+
+void exitOnLostPage() {
+  struct sigaction action {};
+  action.sa_handler = [](int) {
+    constexpr char kText[] = "statedb: a file got shorter while it was read, or can't be read\n";
+    [[maybe_unused]] const ssize_t told = write(STDERR_FILENO, kText, sizeof kText - 1);
+    _exit(2);
+  };
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGBUS, &action, nullptr);
+}
 
 MappedFile MappedFile::open(const std::string& path, std::string& error) {
   MappedFile file;

@@ -26,4 +26,8 @@ class MappedFile {
   std::size_t size_ = 0;
 };
 
+// A mapped page that can't be read any more, because another program made the file shorter or its
+// disk failed, ends the process with a message on standard error and status 2. For programs, once.
+void exitOnLostPage();
+
 }  // namespace statecut::verify

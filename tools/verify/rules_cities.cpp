@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tables/rows.h"
 #include "verify/alone.h"
@@ -34,7 +35,8 @@ int compareNames(const A& a, const B& b) {
 constexpr std::uint32_t kMaxName = 28;
 constexpr std::uint32_t kMaxPhonetic = 19;
 
-bool isZero(const CityByStateRow& row) {
+template <typename RowType>
+bool isZero(const RowType& row) {
   return std::all_of(row.bytes.begin(), row.bytes.end(), [](unsigned char c) { return c == 0; });
 }
 
@@ -44,10 +46,27 @@ int compareByState(const CityByStateRow& a, const CityByStateRow& b) {
                      b.bytes.data() + CityByStateRow::name.at, 30);
 }
 
+// The first record sorts before all others and belongs to no state.
+template <typename RowType>
+void checkBlank(const Records<RowType>& records, RuleId ruleId, Report& report) {
+  if (records.size() > 0 && !isZero(records[0]))
+    report.add(ruleId, File::Reference, 0, records.offset(0), "the first record is not blank");
+}
+
+// By city key: some name leads to the city.
+std::vector<bool> namedCities(const Records<CityNameRow>& names, std::size_t cities) {
+  std::vector<bool> named(cities);
+  for (std::size_t i = 1; i < names.size(); ++i)
+    if (const std::uint32_t key = names[i].get(CityNameRow::cityKey); key < cities)
+      named[key] = true;
+  return named;
+}
+
 }  // namespace
 
 void checkCityNames(const Pair& pair, Report& report) {
   const auto names = pair.records<CityNameRow>(TableId::CityNames);
+  checkBlank(names, RuleId::CityName, report);
   const std::uint64_t cities = pair.place(TableId::CityData).count;
   const bool checkKeys = pair.usable(TableId::CityData);
   for (std::size_t i = 1; i < names.size(); ++i) {
@@ -72,9 +91,11 @@ void checkCityLinks(const Pair& pair, Report& report) {
   if (!pair.usable(TableId::CityNames)) return;
   const auto names = pair.records<CityNameRow>(TableId::CityNames);
   const auto cities = pair.records<CityDataRow>(TableId::CityData);
+  const std::vector<bool> named = namedCities(names, cities.size());
   const auto check = [&](std::size_t city, auto field) {
     const std::uint32_t link = cities[city].get(field);
-    if (link == 0) return;
+    // A cut drops names, and with them the links.
+    if (link == 0 && (pair.isCut() || !named[city])) return;
     const bool inside = link < names.size();
     // A key outside the city data is a finding of its own.
     if (inside && (names[link].get(CityNameRow::cityKey) == city ||
@@ -82,6 +103,7 @@ void checkCityLinks(const Pair& pair, Report& report) {
       return;
     report.add(RuleId::CityLinks, File::Reference, static_cast<std::int64_t>(city),
                cities.offset(city) + field.at, [&] {
+                 if (link == 0) return std::string(field.name) + " is 0, yet the city has a name";
                  return std::string(field.name) + " is name " + std::to_string(link) +
                         (inside ? ", a name of city " +
                                       std::to_string(names[link].get(CityNameRow::cityKey))
@@ -136,6 +158,7 @@ void checkCitiesByState(const Pair& pair, Report& report) {
 
 void checkCityPhonetics(const Pair& pair, Report& report) {
   const auto keys = pair.records<CityPhoneticRow>(TableId::CityPhonetics);
+  checkBlank(keys, RuleId::PhoneticKey, report);
   for (std::size_t i = 1; i < keys.size(); ++i) {
     const std::uint32_t length = keys[i].get(CityPhoneticRow::keyLength);
     if (length > kMaxPhonetic)

@@ -39,6 +39,19 @@ void checkOverlap(const Pair& pair, Report& report) {
   }
 }
 
+// What a cut leaves out has no place, but for the offsets of streets and firms, whose fields stay.
+void checkLeftOut(const Pair& pair, Report& report) {
+  for (std::size_t i = 0; i < kTables; ++i) {
+    const auto id = static_cast<TableId>(i);
+    if (pair.place(id).carried || pair.place(id).rba == 0 || id == TableId::StreetRbos ||
+        id == TableId::FirmRbos)
+      continue;
+    report.add(RuleId::TableBounds, File::Reference, kNoRecord, tableDefs()[i].rbaAt,
+               std::string(tableDefs()[i].name) + " at " + std::to_string(pair.place(id).rba) +
+                   ", a state cut does not hold it");
+  }
+}
+
 }  // namespace
 
 bool checkTypes(const Pair& pair, Report& report) {
@@ -91,6 +104,7 @@ void checkTables(const Pair& pair, Report& report) {
                      " of a file of " + std::to_string(pair.refBytes().size()));
   }
   checkOverlap(pair, report);
+  if (pair.isCut()) checkLeftOut(pair, report);
 }
 
 void checkRangeAreas(const Pair& pair, Report& report) {

@@ -1,5 +1,6 @@
 // City and finance multi-ZIP records: who points at them, their keys and their partitions.
 
+#include <map>
 #include <string>
 
 #include "tables/rows.h"
@@ -102,6 +103,7 @@ class MultiZipRules {
                   label + " of " + std::to_string(keys));
       return;
     }
+    checkList(entry, record, offset, label);
     // A cut has no sizes, and what it did not copy keeps the RBA of the source.
     if (pair_.isCut() || !pair_.usable(kind.sizes) || unsorted_[indexOf(kind.sizes)]) return;
     const auto bytes = multiZipSize(pair_.table(kind.sizes), kind.form, entry.key);
@@ -116,11 +118,41 @@ class MultiZipRules {
         return label + ": bytes " + std::to_string(entry.rba) + " to " + std::to_string(end) +
                ", the range file has " + std::to_string(pair_.rngBytes().size());
       });
+    else
+      checkShared(kind, entry, record, offset, label);
+  }
+
+  // All records of a key share one partition.
+  void checkShared(const Kind& kind, const Entry& entry, std::int64_t record, std::uint64_t offset,
+                   const std::string& label) {
+    const auto [other, first] = rbas_[indexOf(kind.sizes)].emplace(entry.key, entry.rba);
+    if (!first && other->second != entry.rba)
+      report_.add(RuleId::MultiZipKey, File::Reference, record, offset,
+                  label + " at " + std::to_string(entry.rba) + ", another record has it at " +
+                      std::to_string(other->second));
+  }
+
+  // The key is where the list of the ZIP codes begins.
+  void checkList(const Entry& entry, std::int64_t record, std::uint64_t offset,
+                 const std::string& label) {
+    if (!pair_.usable(TableId::MultiZipLists) || !pair_.usable(TableId::ZipData)) return;
+    const auto lists = pair_.table(TableId::MultiZipLists);
+    const std::uint64_t end = std::uint64_t{entry.key} + entry.zipCount;
+    bool ok = end <= pair_.place(TableId::MultiZipLists).count;
+    for (std::uint64_t i = entry.key; ok && i < end; ++i) {
+      const std::uint32_t zip = number16(lists, i);
+      ok = zip != 0 && zip < pair_.place(TableId::ZipData).count;
+    }
+    if (!ok)
+      report_.add(RuleId::MultiZipLists, File::Reference, record, offset, [&] {
+        return label + ": no list of " + std::to_string(entry.zipCount) + " ZIP keys";
+      });
   }
 
   const Pair& pair_;
   Report& report_;
-  bool unsorted_[3] = {};  // SFH, POB, RR
+  std::map<std::uint32_t, std::uint32_t> rbas_[3];  // by key: SFH, POB, RR
+  bool unsorted_[3] = {};                           // SFH, POB, RR
 };
 
 }  // namespace

@@ -18,6 +18,21 @@ std::vector<bool> streetStarts(std::span<const unsigned char> streets) {
   return starts;
 }
 
+// Offset of the number of names of a packed table.
+std::size_t countFieldOf(unsigned type) {
+  using R = RefControlRec;
+  switch (type) {
+    case 0:
+      return R::firmsCount.at;
+    case 1:
+      return R::streetNamesCount.at;
+    case 3:
+      return R::streetStandardsCount.at;
+    default:
+      return R::streetPhoneticsCount.at;
+  }
+}
+
 class StreetLinks {
  public:
   StreetLinks(const Pair& pair, Report& report)
@@ -82,6 +97,12 @@ void checkNamePacking(const Pair& pair, Report& report) {
     std::int64_t record = 0;
     const std::uint64_t end =
         forEachName(type, table, [&](std::uint64_t, std::string_view) { ++record; });
+    const std::size_t countAt = countFieldOf(type);
+    const std::int64_t count = le::get<4>(pair.refBytes().data() + countAt);
+    if (end == table.size() && count != record && pair.usable(tableOfType(type)))
+      report.add(RuleId::NamePacking, File::Reference, kNoRecord, countAt,
+                 std::to_string(record) + " " + labelOfType(type) + "s, the control record has " +
+                     std::to_string(count));
     if (end < table.size())
       report.add(RuleId::NamePacking, File::Reference, record,
                  pair.place(tableOfType(type)).rba + end,

@@ -1,5 +1,6 @@
 // The ZIP index, the ZIP records and their partitions.
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -14,6 +15,11 @@ std::string zipText(std::uint32_t zip) {
   char text[16];
   std::snprintf(text, sizeof text, "%05u", zip);
   return text;
+}
+
+bool isState(std::span<const unsigned char> letters) {
+  return std::all_of(letters.begin(), letters.end(),
+                     [](unsigned char c) { return c >= 'A' && c <= 'Z'; });
 }
 
 }  // namespace
@@ -42,6 +48,7 @@ void checkZipIndex(const Pair& pair, Report& report) {
 void checkZipRecords(const Pair& pair, Report& report) {
   const auto index = pair.table(TableId::ZipIndex);
   const auto zips = pair.records<ZipDataRow>(TableId::ZipData);
+  const auto sizes = pair.records<ZipBytesRow>(TableId::ZipBytes);
   const auto lists = pair.table(TableId::ZipMultiCityLists);
   // A cut's index leaves the other states out.
   const bool checkIndex = !pair.isCut() && pair.usable(TableId::ZipIndex);
@@ -59,17 +66,22 @@ void checkZipRecords(const Pair& pair, Report& report) {
         return "ZIP code " + zipText(zip) +
                (valid ? " leads to another record or none" : " is no ZIP code");
       });
+    if (key < sizes.size() && !isState(sizes[key].get(ZipBytesRow::state)))
+      report.add(RuleId::ZipRecord, File::Reference, record, sizes.offset(key), [&] {
+        return "ZIP code " + zipText(zip) + " has no two-letter state in the Zip Bytes table";
+      });
     if (!checkCities) continue;
     const std::uint32_t count = row.get(ZipDataRow::cityKeysCount);
     const std::uint64_t first = row.get(ZipDataRow::cityKeysIndex);
-    bool ok = count != 1 || row.get(ZipDataRow::cityKey) < cities;
+    const auto isCity = [&](std::uint32_t city) { return city != 0 && city < cities; };
+    bool ok = count == 1 && isCity(row.get(ZipDataRow::cityKey));
     if (count > 1) {
       ok = first >= 1 && first + count <= listed;
-      for (std::uint64_t i = first; ok && i < first + count; ++i) ok = number16(lists, i) < cities;
+      for (std::uint64_t i = first; ok && i < first + count; ++i) ok = isCity(number16(lists, i));
     }
     if (!ok)
       report.add(RuleId::ZipCities, File::Reference, record, zips.offset(key), [&] {
-        return "ZIP code " + zipText(zip) + " leads to a city outside the city data";
+        return "ZIP code " + zipText(zip) + " leads to no city or one outside the city data";
       });
   }
 }
@@ -82,7 +94,7 @@ void checkZipPartitions(const Pair& pair, Report& report) {
   const bool cut = pair.isCut();
   const auto check = [&](std::size_t key, const char* kind, auto field, std::uint64_t bytes) {
     const std::uint64_t rba = zips[key].get(field);
-    if (rba == 0 || (rba >= RngControlRec::size && rba + bytes <= end)) return;
+    if (rba == 0 ? bytes == 0 : rba >= RngControlRec::size && rba + bytes <= end) return;
     report.add(RuleId::RangeBounds, File::Reference, static_cast<std::int64_t>(key),
                zips.offset(key) + field.at, [&] {
                  return std::string(kind) + " partition at " + std::to_string(rba) + " with " +

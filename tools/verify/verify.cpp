@@ -26,6 +26,7 @@ void checkAlone(const Pair& pair, Report& report) {
   checkStreetLinks(pair, report);
   checkHash(pair, report);
   checkMultiZip(pair, report);
+  checkRangeLayout(pair, report);
 }
 
 void checkCut(const Pair& pair, const Pair& source, const std::vector<std::string>& states,

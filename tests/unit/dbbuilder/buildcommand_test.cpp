@@ -112,6 +112,9 @@ TEST_F(BuildCommand, WrongUsageEndsWithTwo) {
       {"--out", "x", "--profile", "tiny", "--streets", "7"},
       {"--out", "x", "--profile", "tiny", "--firms", "0"},
       {"--out", "x", "--profile", "tiny", "--seed", "abc"},
+      {"--out", "x", "--profile", "tiny", "--seed", "-1"},
+      {"--out", "x", "--profile", "tiny", "--seed", "1.5"},
+      {"--out", "x", "--profile", "tiny", "--seed", "18446744073709551616"},
       {"--out", "x", "--profile", "tiny", "--unknown"},
       {"--out", "x", "--profile", "tiny", "surplus"}};
   for (const auto& arguments : wrong) {

@@ -160,8 +160,8 @@ TEST(MessagesDocument, EveryFixedPlaceIsListed) {
   std::size_t found = 0;
   for (std::sregex_iterator it(sites.begin(), sites.end(), site), end; it != end; ++it, ++found) {
     const std::string source = (*it)[1].str() == "Dbaccess" ? "dbaccess" : "cutstate";
-    const std::string place =
-        "| " + source + ":" + std::string(4 - (*it)[2].length(), '0') + (*it)[2].str() + " |";
+    const std::string line = (*it)[2].str();
+    const std::string place = "| " + source + ":" + std::string(4 - line.size(), '0') + line + " |";
     EXPECT_NE(document.find(place), std::string::npos) << place;
   }
   EXPECT_GE(found, 30u);

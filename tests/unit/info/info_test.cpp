@@ -130,6 +130,37 @@ TEST(Describe, OptionalTableWithRbaZeroIsLeftOut) {
             nullptr);
 }
 
+TEST(Describe, ZipCodesAreTheEntriesOfTheZipIndex) {
+  builder::Model model = soundModel();
+  const auto all = info::describe("f", builder::referenceFile(model).bytes);
+  EXPECT_EQ(all.zipCodes, model.zips.size() - 1);
+  model.zipIndex.emplace(100000, std::uint16_t{0});
+  (*model.zipIndex)[model.zips[1].zip] = 1;
+  (*model.zipIndex)[model.zips[2].zip] = 2;
+  EXPECT_EQ(info::describe("f", builder::referenceFile(model).bytes).zipCodes, 2U);
+}
+
+TEST(Describe, CityNamesAreThoseBehindTheBlankFirstRecord) {
+  const builder::Model model = soundModel();
+  Bytes bytes = builder::referenceFile(model).bytes;
+  EXPECT_EQ(info::describe("f", bytes).cityNames, model.cityNames.size() - 1);
+  le::put<4>(bytes.data() + R::cityNamesCount.at, 1);
+  EXPECT_EQ(info::describe("f", bytes).cityNames, 0U);
+  le::put<4>(bytes.data() + R::cityNamesCount.at, 0);
+  EXPECT_EQ(info::describe("f", bytes).cityNames, 0U);
+}
+
+TEST(Describe, TablesOutsideTheFileCountNothing) {
+  Bytes bytes = reference();
+  ASSERT_GT(info::describe("f", bytes).zipCodes, 0U);
+  ASSERT_GT(info::describe("f", bytes).cityNames, 0U);
+  le::put<4>(bytes.data() + R::zipIndexRba.at, static_cast<std::uint32_t>(bytes.size()));
+  le::put<4>(bytes.data() + R::cityNamesRba.at, static_cast<std::uint32_t>(bytes.size()));
+  const auto file = info::describe("f", bytes);
+  EXPECT_EQ(file.zipCodes, 0U);
+  EXPECT_EQ(file.cityNames, 0U);
+}
+
 TEST(Describe, AnyBytesAreDescribed) {
   const Bytes sound = reference();
   ASSERT_TRUE(info::describe("f", sound).damage.empty());
@@ -157,6 +188,27 @@ TEST_F(Info, SoundFilesGiveZeroAndText) {
   EXPECT_NE(out.str().find("b: range database\n"), std::string::npos);
   EXPECT_NE(out.str().find("City Names"), std::string::npos);
   EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(Info, TextOfAReferenceFileHasItsZipCodesAndCities) {
+  const builder::Model model = soundModel();
+  EXPECT_EQ(run({write("a", reference())}), 0);
+  EXPECT_NE(out.str().find("\n  ZIP codes  " + std::to_string(model.zips.size() - 1) +
+                           "\n  cities     " + std::to_string(model.cityNames.size() - 1) + "\n"),
+            std::string::npos);
+  EXPECT_EQ(run({write("b", range())}), 0);
+  EXPECT_EQ(out.str().find("ZIP codes"), std::string::npos);
+  EXPECT_EQ(out.str().find("cities"), std::string::npos);
+}
+
+TEST_F(Info, JsonOfAReferenceFileHasItsZipCodesAndCities) {
+  const builder::Model model = soundModel();
+  EXPECT_EQ(run({write("a", reference()), write("b", range())}, true), 0);
+  const auto document = nlohmann::json::parse(out.str());
+  EXPECT_EQ(document["files"][0]["zipCodes"], model.zips.size() - 1);
+  EXPECT_EQ(document["files"][0]["cityNames"], model.cityNames.size() - 1);
+  EXPECT_FALSE(document["files"][1].contains("zipCodes"));
+  EXPECT_FALSE(document["files"][1].contains("cityNames"));
 }
 
 TEST_F(Info, JsonIsOneDocumentForAllFiles) {
