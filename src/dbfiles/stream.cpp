@@ -139,7 +139,7 @@ std::string resolved(std::string path) {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(folder.c_str(), nullptr),
                                                            &std::free);
     if (real == nullptr) return {};
-    const std::string full = std::string(real.get()) + "/" + name;
+    std::string full = std::string(real.get()) + "/" + name;
     char target[PATH_MAX];
     const ssize_t length = ::readlink(full.c_str(), target, sizeof target);
     if (length < 0) return full;
