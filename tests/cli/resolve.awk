@@ -13,15 +13,15 @@ function value(expr,   parts, n, v, i) {
   return v
 }
 
-function expand(line,   out, spec, width, brace, rest) {
+function expand(line,   out, hole, width, brace, rest) {
   out = ""
   while (match(line, /%[0-9]*\{[^}]*\}/)) {
-    spec = substr(line, RSTART + 1, RLENGTH - 2)
+    hole = substr(line, RSTART + 1, RLENGTH - 2)
     rest = substr(line, RSTART + RLENGTH)
     out = out substr(line, 1, RSTART - 1)
-    brace = index(spec, "{")
-    width = substr(spec, 1, brace - 1) + 0
-    out = out sprintf("%" width "s", value(substr(spec, brace + 1)) "")
+    brace = index(hole, "{")
+    width = substr(hole, 1, brace - 1) + 0
+    out = out sprintf("%" width "s", value(substr(hole, brace + 1)) "")
     line = rest
   }
   return out line
