@@ -42,7 +42,7 @@ TEST(Words, PhoneticKeysKeepTheFirstLetterAndDropVowels) {
   EXPECT_EQ(phoneticKey("SPRINGFIELD", 19), "SBRMJFLT");
   EXPECT_EQ(phoneticKey("ALBANY", 19), "ALBM");
   EXPECT_EQ(phoneticKey("OHIO", 19), "O");
-  EXPECT_EQ(phoneticKey(std::string(40, 'B') + "DBDBDBDBDBDBDBDBDBDBDBDB", 19).size(), 19U);
+  EXPECT_EQ(phoneticKey(std::string(40, 'B').append("DBDBDBDBDBDBDBDBDBDBDBDB"), 19).size(), 19U);
 }
 
 }  // namespace
