@@ -1,14 +1,14 @@
 #include "dbfiles/memory.h"
 
-#include <cstdlib>
+#include "dbfiles/system.h"
 
 namespace statecut {
 
 void* allocTable(std::uint64_t bytes) {
   if (bytes > kTableMaxBytes) return nullptr;
-  return std::calloc(static_cast<std::size_t>(bytes + kTableSlack), 1);
+  return sys::allocateZeroed(static_cast<std::size_t>(bytes + kTableSlack));
 }
 
-void freeTable(void* block) { std::free(block); }
+void freeTable(void* block) { sys::release(block); }
 
 }  // namespace statecut

@@ -13,6 +13,8 @@
 #include <memory>
 #include <string>
 
+#include "dbfiles/system.h"
+
 namespace statecut {
 
 namespace {
@@ -75,8 +77,8 @@ void fail(Stream* stream, int code) {
 // One read of at most `count` bytes; fewer come from a pipe. Sets the indicators. The bytes read.
 std::size_t readOnce(Stream* stream, unsigned char* to, std::size_t count, std::uint64_t at) {
   for (;;) {
-    const ssize_t got = stream->seekable ? ::pread(stream->fd, to, count, static_cast<off_t>(at))
-                                         : ::read(stream->fd, to, count);
+    const std::int64_t got = stream->seekable ? sys::readAt(stream->fd, to, count, at)
+                                              : sys::readNext(stream->fd, to, count);
     if (got > 0) return static_cast<std::size_t>(got);
     if (got < 0 && errno == EINTR) continue;
     if (got == 0) {
@@ -100,10 +102,11 @@ std::size_t readFully(Stream* stream, unsigned char* to, std::size_t count, std:
 }
 
 // Writes all `count` bytes, or fewer with the error indicator set. The bytes written.
-std::size_t writeFully(Stream* stream, const unsigned char* from, std::size_t count) {
+std::size_t writeFully(Stream* stream, const unsigned char* from, std::size_t count,
+                       decltype(sys::writeNext) write) {
   std::size_t done = 0;
   while (done < count) {
-    const ssize_t put = ::write(stream->fd, from + done, count - done);
+    const std::int64_t put = write(stream->fd, from + done, count - done);
     if (put > 0) {
       done += static_cast<std::size_t>(put);
     } else if (put == 0) {
@@ -159,13 +162,13 @@ Stream* streamOpen(const char* path, const char* mode) {
   int flags = O_RDONLY;
   if (mode[0] == 'w') flags = O_WRONLY | O_CREAT | O_TRUNC;
   if (mode[0] == 'a') flags = O_RDWR | O_CREAT | O_APPEND;
-  const int fd = ::open(path, flags | O_CLOEXEC, 0666);
+  const int fd = sys::openFile(path, flags | O_CLOEXEC);
   if (fd < 0) return nullptr;
   auto stream = std::make_unique<Stream>();
   stream->fd = fd;
   stream->writable = mode[0] != 'r';
   stream->append = mode[0] == 'a';
-  stream->seekable = ::lseek(fd, 0, SEEK_CUR) >= 0;
+  stream->seekable = sys::isSeekable(fd);
   stream->buffer = std::make_unique<unsigned char[]>(kBufferBytes);
   enlist(stream.get());
   return stream.release();
@@ -178,7 +181,7 @@ int streamSeek(Stream* stream, std::uint64_t offset) {
   }
   if (stream->writable) {
     if (streamFlush(stream) != 0) return -1;
-    if (::lseek(stream->fd, static_cast<off_t>(offset), SEEK_SET) < 0) return -1;
+    if (sys::seekFile(stream->fd, offset) != 0) return -1;
   }
   stream->position = offset;
   stream->eof = false;
@@ -225,7 +228,7 @@ std::size_t streamWrite(Stream* stream, const void* from, std::size_t count) {
   std::size_t done = 0;
   while (done < count) {
     if (stream->pending == 0 && count - done >= kBufferBytes) {
-      const std::size_t put = writeFully(stream, in + done, count - done);
+      const std::size_t put = writeFully(stream, in + done, count - done, sys::writeNext);
       done += put;
       break;
     }
@@ -241,7 +244,8 @@ std::size_t streamWrite(Stream* stream, const void* from, std::size_t count) {
 
 int streamFlush(Stream* stream) {
   if (stream == nullptr || stream->pending == 0) return 0;
-  const std::size_t put = writeFully(stream, stream->buffer.get(), stream->pending);
+  const std::size_t put =
+      writeFully(stream, stream->buffer.get(), stream->pending, sys::writeFlushed);
   const std::size_t left = stream->pending - put;
   if (left != 0) std::memmove(stream->buffer.get(), stream->buffer.get() + put, left);
   stream->pending = left;
@@ -252,7 +256,7 @@ int streamClose(Stream* stream) {
   if (stream == nullptr) return 0;
   int result = streamFlush(stream);
   int code = errno;
-  if (::close(stream->fd) != 0 && result == 0 && errno != EINTR) {
+  if (sys::closeFile(stream->fd) != 0 && result == 0 && errno != EINTR) {
     result = -1;
     code = errno;
   }

@@ -3,7 +3,8 @@
 #include "lookup/cache.h"
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "dbfiles/system.h"
 
 namespace statecut {
 
@@ -35,10 +36,10 @@ std::int32_t search(Cache* cache, std::int32_t threshold, Holds holds) {
 
 Cache* chConstructCache(std::uint32_t blockSize, std::int32_t entries) {
   if (entries <= 0 || blockSize == 0 || blockSize > kMaxBlock) return nullptr;
-  auto* cache = static_cast<Cache*>(std::calloc(1, sizeof(Cache)));
+  auto* cache = static_cast<Cache*>(sys::allocateZeroed(sizeof(Cache)));
   if (cache == nullptr) return nullptr;
-  cache->entries =
-      static_cast<CacheEntry*>(std::calloc(static_cast<std::size_t>(entries), sizeof(CacheEntry)));
+  cache->entries = static_cast<CacheEntry*>(
+      sys::allocateZeroed(static_cast<std::size_t>(entries) * sizeof(CacheEntry)));
   for (std::int32_t i = 0; cache != nullptr && i < entries; ++i) {
     if (cache->entries != nullptr &&
         chConstructBufferData(&cache->entries[i], static_cast<std::int32_t>(blockSize)) == 0)
@@ -51,7 +52,7 @@ Cache* chConstructCache(std::uint32_t blockSize, std::int32_t entries) {
 
 std::int32_t chConstructBufferData(CacheEntry* entry, std::int32_t size) {
   if (entry == nullptr || size <= 0) return -1;
-  auto* data = static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(size), 1));
+  auto* data = static_cast<unsigned char*>(sys::allocateZeroed(static_cast<std::size_t>(size)));
   if (data == nullptr) return -1;
   *entry = {kEmptyStart, 0, data, size, size};
   return 0;
@@ -59,9 +60,9 @@ std::int32_t chConstructBufferData(CacheEntry* entry, std::int32_t size) {
 
 void chFreeCache(Cache** cache) {
   if (cache == nullptr || *cache == nullptr) return;
-  for (std::int32_t i = 0; i < (*cache)->count; ++i) std::free((*cache)->entries[i].data);
-  std::free((*cache)->entries);
-  std::free(*cache);
+  for (std::int32_t i = 0; i < (*cache)->count; ++i) sys::release((*cache)->entries[i].data);
+  sys::release((*cache)->entries);
+  sys::release(*cache);
   *cache = nullptr;
 }
 

@@ -1,9 +1,9 @@
 // The stage buffers, in which pieces that span cache entries are put together.
 
-#include <cstdlib>
 #include <utility>
 
 #include "dbfiles/controlrec.h"
+#include "dbfiles/system.h"
 #include "log/utllgmsg.h"
 #include "lookup/cache.h"
 
@@ -17,16 +17,16 @@ constexpr std::int64_t kMaxStage = 2147483647;
 constexpr std::int64_t kAlternateBytes = 4096;
 
 void freeBuffers(CacheControlBlock* block) {
-  std::free(std::exchange(block->stage, nullptr));
-  std::free(std::exchange(block->alternate, nullptr));
-  std::free(std::exchange(block->rangeOverhead, nullptr));
+  sys::release(std::exchange(block->stage, nullptr));
+  sys::release(std::exchange(block->alternate, nullptr));
+  sys::release(std::exchange(block->rangeOverhead, nullptr));
   block->stageSize = 0;
 }
 
 // A buffer of `size` bytes, logged under `name`, or null.
 unsigned char* newBuffer(ProcObj* proc, const char* name, std::int64_t size) {
   const auto bytes = static_cast<std::size_t>(size > 0 ? size : 1);
-  auto* buffer = static_cast<unsigned char*>(std::calloc(bytes, 1));
+  auto* buffer = static_cast<unsigned char*>(sys::allocateZeroed(bytes));
   if (buffer != nullptr)
     utlWriteLogMsg(proc, kCacheSource, __LINE__, kInfo, "Info Message", kReasonNone, kMsgSize, name,
                    static_cast<std::int32_t>(size));

@@ -1,0 +1,24 @@
+#pragma once
+// Every system call and every block of memory of the core's files, tables and caches passes here.
+// One translation unit stands behind it: a test program that defines these functions itself takes
+// their place at link time and can make the Nth call of a kind fail. Results and errno as in POSIX.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace statecut::sys {
+
+int openFile(const char* path, int flags);   // created with mode 0666
+int seekFile(int fd, std::uint64_t offset);  // 0, or -1
+bool isSeekable(int fd);
+std::int64_t readNext(int fd, void* to, std::size_t count);  // bytes, 0 at the end, or -1
+std::int64_t readAt(int fd, void* to, std::size_t count, std::uint64_t offset);
+std::int64_t writeNext(int fd, const void* from, std::size_t count);
+std::int64_t writeFlushed(int fd, const void* from, std::size_t count);  // what a buffer held
+void willNeed(int fd, std::uint64_t offset, std::uint64_t count);        // a hint; never fails
+int closeFile(int fd);
+
+void* allocateZeroed(std::size_t bytes);  // null when memory runs out; released by release
+void release(void* block);
+
+}  // namespace statecut::sys
