@@ -1,203 +1,170 @@
 #include "hash/namehash.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
-#include "dbfiles/apiutil.h"
-#include "dbfiles/controlrec.h"
-#include "dbfiles/stream.h"
-#include "tables/refpointers.h"
-#include "tables/rows.h"
+#include "dbfiles/memory.h"
+#include "hash/search.h"
 
 namespace statecut {
 
+#define STATECUT_INLINE [[gnu::always_inline]] inline
+
 namespace {
 
-// What the search compares a name with: a stored name's length and bytes, or no match at all.
-struct Candidate {
-  bool valid = false;
-  std::int32_t length = 0;
-  const unsigned char* name = nullptr;
-};
+template <typename Word>
+bool sameWord(const unsigned char* a, const unsigned char* b) {
+  Word first;
+  Word second;
+  std::memcpy(&first, a, sizeof first);
+  std::memcpy(&second, b, sizeof second);
+  return first == second;
+}
 
-// Where a name can be: its slot and the check value that its entry must hold.
-struct Probe {
-  std::uint32_t slot;
-  std::uint32_t check;
-};
-
-constexpr std::int32_t kStateBytes = 2;  // types 2 and 5 hash the state abbreviation, then the name
-
-Probe probeFor(const unsigned char* name, std::int32_t length, std::uint32_t type,
-               const RefControlRec& record) {
-  const unsigned char* kept = refPointers[kSlotHashMask].bytes;
-  if (le::get<4>(kept) == 0 && le::get<4>(kept + 4) == 0) {
-    keepHashMask(record.get(RefControlRec::hashTableCount));
+// memcmp for names, without the call: their ends are compared by words that overlap.
+STATECUT_INLINE bool sameBytes(const unsigned char* a, const unsigned char* b, std::size_t count) {
+  if (count >= 8) {
+    for (std::size_t i = 0; i + 8 < count; i += 8)
+      if (!sameWord<std::uint64_t>(a + i, b + i)) return false;
+    return sameWord<std::uint64_t>(a + count - 8, b + count - 8);
   }
-  const std::uint32_t mask = le::get<4>(kept);
-  const std::uint32_t complement = le::get<4>(kept + 4);
-  const std::uint32_t hash = fnv_32_buf_backward(name, length, kFnvOffsetBasis + type);
-  return {hash & mask, type | ((hash & complement) >> 16)};
+  if (count >= 4)
+    return sameWord<std::uint32_t>(a, b) && sameWord<std::uint32_t>(a + count - 4, b + count - 4);
+  for (std::size_t i = 0; i < count; ++i)
+    if (a[i] != b[i]) return false;
+  return true;
 }
 
-bool equal(const Candidate& candidate, const unsigned char* name, std::int32_t length) {
-  if (!candidate.valid || candidate.length != length) return false;
-  return length == 0 || std::memcmp(candidate.name, name, static_cast<std::size_t>(length)) == 0;
+// The slot of a probe in the loaded index, or null.
+STATECUT_INLINE unsigned char* slotOf(const Probe& probe, const RefControlRec& record) {
+  unsigned char* slots = refPointers[kSlotHashTable].table;
+  if (slots == nullptr || probe.slot >= record.get(RefControlRec::hashTableCount)) return nullptr;
+  return slots + std::size_t{probe.slot} * HashSlotRow::size;
 }
 
-// The number of records or bytes of the name table of `type`; a number at or above it names
-// nothing.
-std::uint32_t nameBound(std::uint32_t type, const RefControlRec& record) {
+// The entries of a slot: a check value and a number each.
+struct Entries {
+  unsigned char* first;  // there are bytes of kAtOnce entries, however few are counted
+  std::uint32_t count;
+};
+
+constexpr std::uint32_t kAtOnce = 4;
+static_assert(kAtOnce * HashOverflowRow::size <= kTableSlack);
+
+// Those of a damaged slot, whose entries run past the overflow table.
+Entries entriesWithin(unsigned char* slot, unsigned char* overflow, std::uint32_t end) {
+  const std::uint32_t first = le::get<4>(slot + HashSlotRow::number.at);
+  if (overflow == nullptr || first >= end) return {slot, 0};
+  return {overflow + std::size_t{first} * HashOverflowRow::size, end - first};
+}
+
+// Whether a slot has one name or more is chance, which no branch prediction gets right: so nothing
+// here branches on it.
+STATECUT_INLINE Entries entriesOf(unsigned char* slot, const RefControlRec& record) {
+  unsigned char* overflow = refPointers[kSlotHashOverflow].table;
+  const std::uint32_t end = overflow == nullptr ? 0 : record.get(RefControlRec::hashOverflowCount);
+  const std::uint32_t count = slot[HashSlotRow::count.at];
+  const std::uint64_t first = le::get<4>(slot + HashSlotRow::number.at);
+  const bool many = count > 1;
+  if ((static_cast<unsigned>(many) & static_cast<unsigned>(first + count > end)) != 0) [[unlikely]]
+    return entriesWithin(slot, overflow, end);
+  // A slot with one name holds its entry itself, laid out like those of the overflow table.
+  unsigned char* const starts[] = {slot + HashSlotRow::check.at,
+                                   overflow + (many ? first : 0) * HashOverflowRow::size};
+  return {starts[many ? 1 : 0], count};
+}
+
+// The number field of the first entry with the check value whose number `matches` accepts, or null.
+template <typename Matches>
+STATECUT_INLINE unsigned char* findEntry(const Entries& entries, std::uint32_t check,
+                                         Matches matches) {
+  const auto wanted = static_cast<std::uint16_t>(check);
+  const auto isCandidate = [&](std::uint32_t i) {
+    const unsigned char* entry = entries.first + std::size_t{i} * HashOverflowRow::size;
+    return le::get<2>(entry + HashOverflowRow::check.at) == wanted;
+  };
+  const auto numberAt = [&](std::uint32_t i) {
+    return entries.first + std::size_t{i} * HashOverflowRow::size + HashOverflowRow::number.at;
+  };
+  const auto bit = [&](std::uint32_t i) { return static_cast<std::uint32_t>(isCandidate(i)) << i; };
+  std::uint32_t candidates = bit(0) + bit(1) + bit(2) + bit(3);
+  candidates &= (1U << std::min(entries.count, kAtOnce)) - 1;
+  for (; candidates != 0; candidates &= candidates - 1) {
+    unsigned char* number = numberAt(static_cast<std::uint32_t>(std::countr_zero(candidates)));
+    if (matches(le::get<4>(number))) return number;
+  }
+  for (std::uint32_t i = kAtOnce; i < entries.count; ++i)
+    if (isCandidate(i) && matches(le::get<4>(numberAt(i)))) return numberAt(i);
+  return nullptr;
+}
+
+// The number field of the name's entry among those of its slot, or null.
+template <std::uint32_t kType>
+STATECUT_INLINE unsigned char* findOf(const unsigned char* name, std::int32_t length,
+                                      unsigned char* slot, std::uint32_t check,
+                                      const RefControlRec& record) {
+  constexpr const NameLayout& layout = kNameLayouts[kType];
+  const unsigned char* table = refPointers[layout.slot].table;
+  const std::int32_t wanted = length - layout.added;  // in the length byte
+  if (table == nullptr || wanted < 0 || wanted > layout.mostByte) return nullptr;
+  return findEntry(entriesOf(slot, record), check, [&](std::uint32_t number) {
+    if (!inTable(layout, number, record)) return false;
+    const unsigned char* entry = table + std::size_t{number} * layout.unit;
+    return (entry[layout.lengthAt] & layout.lengthMask) == wanted &&
+           sameBytes(entry + layout.nameAt, name, static_cast<std::size_t>(length));
+  });
+}
+
+// Of a type without names: any number has one of length 0.
+unsigned char* findNameless(std::int32_t length, unsigned char* slot, std::uint32_t check,
+                            const RefControlRec& record) {
+  if (length != 0 || check > 0xFFFF) return nullptr;
+  return findEntry(entriesOf(slot, record), check, [](std::uint32_t) { return true; });
+}
+
+unsigned char* findFrom(unsigned char* slot, std::uint32_t check, const unsigned char* name,
+                        std::int32_t length, std::uint32_t type, const RefControlRec& record) {
   switch (type) {
     case kFirmNames:
-      return record.get(RefControlRec::firmsBytes);
+      return findOf<kFirmNames>(name, length, slot, check, record);
     case kStreetNames:
-      return record.get(RefControlRec::streetNamesBytes);
+      return findOf<kStreetNames>(name, length, slot, check, record);
     case kCityNames:
-      return record.get(RefControlRec::cityNamesCount);
+      return findOf<kCityNames>(name, length, slot, check, record);
     case kStreetStandards:
-      return record.get(RefControlRec::streetStandardsBytes);
+      return findOf<kStreetStandards>(name, length, slot, check, record);
     case kStreetPhonetics:
-      return record.get(RefControlRec::streetPhoneticsBytes);
+      return findOf<kStreetPhonetics>(name, length, slot, check, record);
     case kCityPhonetics:
-      return record.get(RefControlRec::cityPhoneticsCount);
+      return findOf<kCityPhonetics>(name, length, slot, check, record);
     default:
-      return 0;
-  }
-}
-
-constexpr std::uint64_t kLengthByteAt = 4;  // of an entry of types 3 and 4
-
-// True when `number` names an entry of the table of `type`.
-bool inTable(std::uint32_t type, std::uint32_t number, const RefControlRec& record) {
-  const bool standard = type == kStreetStandards || type == kStreetPhonetics;
-  return std::uint64_t{number} + (standard ? kLengthByteAt : 0) < nameBound(type, record);
-}
-
-Candidate packedName(const unsigned char* lengthByte) {
-  return {true, static_cast<signed char>(*lengthByte), lengthByte + 1};
-}
-
-Candidate maskedName(const unsigned char* lengthByte) {
-  return {true, *lengthByte & 0x7F, lengthByte + 1};
-}
-
-// The length byte is unsigned, so the name may run on past its own record.
-Candidate cityName(const unsigned char* record) {
-  return {true, record[CityNameRow::nameLength.at] + kStateBytes, record + CityNameRow::state.at};
-}
-
-Candidate cityPhonetic(const unsigned char* record) {
-  return {true, record[CityPhoneticRow::keyLength.at] + kStateBytes,
-          record + CityPhoneticRow::state.at};
-}
-
-Candidate candidateIn(std::uint32_t type, std::uint32_t number, const RefControlRec& record) {
-  if (type > kCityPhonetics) return {true, 0, nullptr};  // matches a name of length 0 only
-  constexpr std::array<SlotNumber, 6> kTables = {kSlotFirms,           kSlotStreetNames,
-                                                 kSlotCityNames,       kSlotStreetStandards,
-                                                 kSlotStreetPhonetics, kSlotCityPhonetics};
-  const unsigned char* table = refPointers[kTables[type]].table;
-  if (table == nullptr || !inTable(type, number, record)) return {};
-  switch (type) {
-    case kFirmNames:
-    case kStreetNames:
-      return packedName(table + number);
-    case kCityNames:
-      return cityName(table + std::uint64_t{number} * CityNameRow::size);
-    case kStreetStandards:
-    case kStreetPhonetics:
-      return maskedName(table + number + kLengthByteAt);
-    default:
-      return cityPhonetic(table + std::uint64_t{number} * CityPhoneticRow::size);
+      return findNameless(length, slot, check, record);
   }
 }
 
 // The number field of the name's entry in the loaded index, or null.
-unsigned char* findIn(const unsigned char* name, std::int32_t length, std::uint32_t type) {
+STATECUT_INLINE unsigned char* findIn(const unsigned char* name, std::int32_t length,
+                                      std::uint32_t type) {
   const RefControlRec* record = pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
   if (record == nullptr || length < 0 || (name == nullptr && length > 0)) return nullptr;
   const Probe probe = probeFor(name, length, type, *record);
-  unsigned char* slots = refPointers[kSlotHashTable].table;
-  if (slots == nullptr || probe.slot >= record->get(RefControlRec::hashTableCount)) return nullptr;
-
-  unsigned char* slot = slots + std::uint64_t{probe.slot} * HashSlotRow::size;
-  const std::uint32_t count = slot[HashSlotRow::count.at];
-  unsigned char* number = slot + HashSlotRow::number.at;
-  if (count == 0) return nullptr;
-  if (count == 1) {
-    if (le::get<2>(slot + HashSlotRow::check.at) != probe.check) return nullptr;
-    return equal(candidateIn(type, le::get<4>(number), *record), name, length) ? number : nullptr;
-  }
-  unsigned char* overflow = refPointers[kSlotHashOverflow].table;
-  if (overflow == nullptr) return nullptr;
-  const std::uint64_t first = le::get<4>(number);
-  const std::uint64_t end = record->get(RefControlRec::hashOverflowCount);
-  for (std::uint64_t at = first; at < first + count && at < end; ++at) {
-    unsigned char* entry = overflow + at * HashOverflowRow::size;
-    if (le::get<2>(entry + HashOverflowRow::check.at) != probe.check) continue;
-    number = entry + HashOverflowRow::number.at;
-    if (equal(candidateIn(type, le::get<4>(number), *record), name, length)) return number;
-  }
-  return nullptr;
+  unsigned char* slot = slotOf(probe, *record);
+  return slot == nullptr ? nullptr : findFrom(slot, probe.check, name, length, type, *record);
 }
 
-constexpr std::int32_t kFirmRead = 41;
-constexpr std::int32_t kStreetRead = 29;
-
-// A short read leaves what `to` held; the result is not looked at. Nothing is read without a file
-// and behind a read error, where the reader would stop the program.
-void readReference(ProcObj* proc, std::uint32_t rba, std::int32_t count, unsigned char* to) {
-  Stream* file = proc->files == nullptr ? nullptr : proc->files->reference;
-  if (file != nullptr && !streamError(file)) dbReadFile(file, rba, count, to, proc);
+// One function a type, in which all that depends on the type is constant.
+template <std::uint32_t kType>
+[[gnu::noinline]] std::uint32_t findNumber(const unsigned char* name, std::int32_t length) {
+  const RefControlRec* record = pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
+  if (record == nullptr || length < 0 || (name == nullptr && length > 0)) return kNotFound;
+  const Probe probe = probeFor(name, length, kType, *record);
+  unsigned char* slot = slotOf(probe, *record);
+  if (slot == nullptr) return kNotFound;
+  const unsigned char* number = findOf<kType>(name, length, slot, probe.check, *record);
+  return number == nullptr ? kNotFound : le::get<4>(number);
 }
-
-// Reads candidate names from the file.
-struct FileNames {
-  ProcObj* proc;
-  const RefControlRec& record;
-  std::array<unsigned char, kFirmRead> buffer{};
-
-  const unsigned char* read(std::uint32_t rba, std::int32_t count) {
-    readReference(proc, rba, count, buffer.data());
-    return buffer.data();
-  }
-
-  Candidate at(std::uint32_t type, std::uint32_t number) {
-    if (type > kCityPhonetics) return {true, 0, nullptr};
-    if (!inTable(type, number, record)) return {};
-    switch (type) {
-      case kFirmNames:
-        return bounded(packedName(read(record.get(RefControlRec::firmsRba) + number, kFirmRead)),
-                       kFirmRead - 1);
-      case kStreetNames:
-        return bounded(
-            packedName(read(record.get(RefControlRec::streetNamesRba) + number, kStreetRead)),
-            kStreetRead - 1);
-      case kCityNames:
-        return bounded(cityName(read(record.get(RefControlRec::cityNamesRba) + 34 * number, 34)),
-                       34 - 4);
-      case kStreetStandards:
-        return bounded(maskedName(read(record.get(RefControlRec::streetStandardsRba) + number + 4,
-                                       kStreetRead)),
-                       kStreetRead - 1);
-      case kStreetPhonetics:
-        return bounded(maskedName(read(record.get(RefControlRec::streetPhoneticsRba) + number + 4,
-                                       kStreetRead)),
-                       kStreetRead - 1);
-      default:
-        return bounded(
-            cityPhonetic(read(record.get(RefControlRec::cityPhoneticsRba) + 26 * number, 26)),
-            26 - 2);
-    }
-  }
-
-  // A name longer than the bytes read for it matches nothing.
-  static Candidate bounded(Candidate candidate, std::int32_t bytesRead) {
-    candidate.valid = candidate.length <= bytesRead;
-    return candidate;
-  }
-};
 
 }  // namespace
 
@@ -209,8 +176,24 @@ void keepHashMask(std::uint32_t slotCount) {
 
 std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::uint32_t type,
                          ProcObj* /*context*/) {
-  const unsigned char* number = findIn(name, length, type);
-  return number == nullptr ? kNotFound : le::get<4>(number);
+  switch (type) {
+    case kFirmNames:
+      return findNumber<kFirmNames>(name, length);
+    case kStreetNames:
+      return findNumber<kStreetNames>(name, length);
+    case kCityNames:
+      return findNumber<kCityNames>(name, length);
+    case kStreetStandards:
+      return findNumber<kStreetStandards>(name, length);
+    case kStreetPhonetics:
+      return findNumber<kStreetPhonetics>(name, length);
+    case kCityPhonetics:
+      return findNumber<kCityPhonetics>(name, length);
+    default: {
+      const unsigned char* number = findIn(name, length, type);
+      return number == nullptr ? kNotFound : le::get<4>(number);
+    }
+  }
 }
 
 std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::uint32_t type,
@@ -222,35 +205,32 @@ std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::
   return static_cast<std::int32_t>(old);
 }
 
-std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std::uint32_t type,
-                            ProcObj* proc) {
-  const RefControlRec* record = proc == nullptr ? nullptr : proc->refControlRec;
-  if (record == nullptr || length < 0 || (name == nullptr && length > 0)) return kNotFound;
-  const Probe probe = probeFor(name, length, type, *record);
-  if (probe.slot >= record->get(RefControlRec::hashTableCount)) return kNotFound;
-
-  HashSlotRow slot{};
-  readReference(proc, record->get(RefControlRec::hashTableRba) + 7 * probe.slot, 7,
-                slot.bytes.data());
-  FileNames names{proc, *record};
-  const std::uint32_t count = slot.get(HashSlotRow::count);
-  const std::uint32_t number = slot.get(HashSlotRow::number);
-  if (count == 0) return kNotFound;
-  if (count == 1) {
-    if (slot.get(HashSlotRow::check) != probe.check) return kNotFound;
-    return equal(names.at(type, number), name, length) ? number : kNotFound;
+void zapHashedNames(std::span<const HashedName> names, std::uint32_t type) {
+  const RefControlRec* record = pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
+  if (record == nullptr) return;
+  struct Search {
+    unsigned char* slot;
+    std::uint32_t check;
+  };
+  std::array<Search, kZapBatch> searches;
+  for (std::size_t from = 0; from < names.size(); from += kZapBatch) {
+    const auto batch = names.subspan(from, std::min(kZapBatch, names.size() - from));
+    for (std::size_t i = 0; i < batch.size(); ++i) {
+      const Probe probe = probeFor(batch[i].name, batch[i].length, type, *record);
+      searches[i] = {slotOf(probe, *record), probe.check};
+      if (searches[i].slot != nullptr) __builtin_prefetch(searches[i].slot, 1);
+    }
+    for (std::size_t i = 0; i < batch.size(); ++i) {
+      if (searches[i].slot != nullptr)
+        __builtin_prefetch(entriesOf(searches[i].slot, *record).first, 1);
+    }
+    for (std::size_t i = 0; i < batch.size(); ++i) {
+      if (searches[i].slot == nullptr) continue;
+      unsigned char* number = findFrom(searches[i].slot, searches[i].check, batch[i].name,
+                                       batch[i].length, type, *record);
+      if (number != nullptr) le::put<4>(number, batch[i].newNumber);
+    }
   }
-  // Reads 7 bytes an entry although an entry has 6. This is meant.
-  std::array<unsigned char, 255 * 7> entries{};
-  readReference(proc, record->get(RefControlRec::hashOverflowRba) + 6 * number,
-                static_cast<std::int32_t>(count * 7), entries.data());
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const unsigned char* entry = entries.data() + i * HashOverflowRow::size;
-    if (le::get<2>(entry) != probe.check) continue;
-    const std::uint32_t found = le::get<4>(entry + HashOverflowRow::number.at);
-    if (equal(names.at(type, found), name, length)) return found;
-  }
-  return kNotFound;
 }
 
 }  // namespace statecut

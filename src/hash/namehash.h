@@ -2,7 +2,9 @@
 // The name hash index: one hashed index over six name tables, in memory or on disk.
 // Hash: FNV-1, 32 bits (Fowler, Noll, Vo), with this system's own step per byte.
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "log/procobj.h"
 
@@ -18,11 +20,28 @@ enum NameType : std::uint32_t {
 };
 
 inline constexpr std::uint32_t kFnvOffsetBasis = 2166136261u;
+inline constexpr std::uint32_t kFnvPrime = 16777619u;
 inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
 
 std::uint32_t fnv_32_buf(const unsigned char* buffer, std::int32_t length, std::uint32_t seed);
-std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32_t length,
-                                  std::uint32_t seed);
+
+// From the last byte to the first.
+inline std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32_t length,
+                                         std::uint32_t seed) {
+  std::uint32_t hash = seed;
+  // A byte below 32 wraps and sets the upper bits. This is meant.
+  const auto step = [&hash](const unsigned char* at) { hash = (hash * kFnvPrime) ^ (*at - 32u); };
+  if (length <= 0) return hash;
+  const unsigned char* at = buffer + length;
+  for (; at - buffer >= 4; at -= 4) {
+    step(at - 1);
+    step(at - 2);
+    step(at - 3);
+    step(at - 4);
+  }
+  for (; at != buffer; --at) step(at - 1);
+  return hash;
+}
 
 // The name's number (record position for types 2 and 5, byte offset for the others), or kNotFound.
 std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::uint32_t type,
@@ -37,5 +56,15 @@ void keepHashMask(std::uint32_t slotCount);
 // Overwrites the number stored for a name (0 unlinks it). The number that was there, or -1.
 std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::uint32_t type,
                            std::uint32_t newNumber);
+
+struct HashedName {
+  const unsigned char* name;
+  std::int32_t length;  // not negative
+  std::uint32_t newNumber;
+};
+inline constexpr std::size_t kZapBatch = 32;  // searches whose cache misses overlap
+
+// zapHashedName for one after the other, several searches at once.
+void zapHashedNames(std::span<const HashedName> names, std::uint32_t type);
 
 }  // namespace statecut

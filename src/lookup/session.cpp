@@ -133,18 +133,18 @@ void Session::close() {
   lookups_ = {};
   cache_ = {};
   prepared_ = 0;
+  failed_ = 0;
   pairMatches_ = true;
 }
 
 bool Session::prepareNew(std::uint32_t sets) {
   prepared_ |= sets;
   if (mode_ == LookupMode::kOff) return true;
-  bool complete = true;
   for (const SetReader& set : setReaders()) {
     if ((sets & set.set) == 0) continue;
     if (mode_ == LookupMode::kIn) {
       // An empty table answers "not found".
-      if (readFails(set.reader, &proc_)) complete = false;
+      if (readFails(set.reader, &proc_) || !readable(refStream(&proc_))) failed_ |= set.set;
     } else if (!set.choices.empty()) {
       const bool inMemory = !readFails(set.reader, &proc_);
       for (ChooseVariant* choose : set.choices) choose(inMemory);
@@ -152,7 +152,7 @@ bool Session::prepareNew(std::uint32_t sets) {
   }
   if (mode_ == LookupMode::kIn && (sets & (kStreetPhoneticSet | kStreetStandardSet)) != 0)
     fillStreetVariations(&proc_, false);
-  return complete;
+  return (sets & failed_) == 0;
 }
 
 }  // namespace statecut

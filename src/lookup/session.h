@@ -45,7 +45,7 @@ class Session {
   // a set cannot be loaded, which then stays empty. First: decides the lookups without a First
   // variant, In when the set loads, else Off.
   bool prepare(std::uint32_t sets) {
-    return (sets & ~prepared_) == 0 || prepareNew(sets & ~prepared_);
+    return ((sets & ~prepared_) == 0 || prepareNew(sets & ~prepared_)) && (sets & failed_) == 0;
   }
 
   // What the lookups take; refControlRec is there while the session is open.
@@ -68,6 +68,7 @@ class Session {
   CacheControlBlock cache_{};
   LookupMode mode_ = LookupMode::kIn;
   std::uint32_t prepared_ = 0;
+  std::uint32_t failed_ = 0;  // in memory: not loaded
   bool pairMatches_ = true;
 };
 

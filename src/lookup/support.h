@@ -19,21 +19,32 @@ class Trace {
   explicit Trace(const char* source, int line = __builtin_LINE(),
                  const char* name = __builtin_FUNCTION())
       : source_(source), name_(name) {
-    traceEntering(pProcObj, source_, line, name_);
+    again(line);
   }
-  void again(int line = __builtin_LINE()) const { traceEntering(pProcObj, source_, line, name_); }
+  void again(int line = __builtin_LINE()) const {
+    if (isOn()) [[unlikely]]
+      traceEntering(pProcObj, source_, line, name_);
+  }
 
   template <typename Pointer>
   Pointer* leave(Pointer* result, int line = __builtin_LINE()) const {
-    if (result != nullptr) traceLeaving(pProcObj, source_, line, name_);
+    if (isOn() && result != nullptr) [[unlikely]]
+      traceLeaving(pProcObj, source_, line, name_);
     return result;
   }
   std::int32_t leave(std::int32_t index, int line = __builtin_LINE()) const {
-    if (index != -1) traceLeaving(pProcObj, source_, line, name_);
+    if (isOn() && index != -1) [[unlikely]]
+      traceLeaving(pProcObj, source_, line, name_);
     return index;
   }
 
  private:
+  // traceOn, without the call.
+  static bool isOn() {
+    return pProcObj != nullptr && pProcObj->options != nullptr &&
+           pProcObj->options->debugSwitch == 'D';
+  }
+
   const char* source_;
   const char* name_;
 };

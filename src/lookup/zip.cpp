@@ -180,8 +180,13 @@ const KeyRow* dbGetMultiZipsOff(std::uint32_t count, std::uint32_t start) {
   // The file offset steps by 4 an index, the address in memory by 2. Meant.
   const std::uint32_t rba = entryRba(ref->get(RefControlRec::multiZipListsRba), index, 4);
   const std::size_t bytes = std::min(count, kMultiZipsMax) * KeyRow::size;
-  if (!readCached(rba, static_cast<std::int32_t>(bytes), zipListBuff.data())) return nullptr;
-  lastKey = index;
+  auto list = zipListBuff;
+  if (!readCached(rba, static_cast<std::int32_t>(bytes), list.data())) return nullptr;
+  // What a failed read left is no list for the calls to come.
+  if (readable(refStream(pProcObj))) {
+    zipListBuff = list;
+    lastKey = index;
+  }
   return trace.leave(zipListBuff.data());
 }
 

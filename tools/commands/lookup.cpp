@@ -58,7 +58,10 @@ int runLookup(const std::string& name, const LookupOptions& options, const Show&
   if (!session.pairMatches() && !options.settings.rng.empty())
     (void)fail(name, "the range file is not of the same pair", 0);
   std::ostringstream answer;
-  if (!show(session, options, answer)) {
+  const bool found = show(session, options, answer);
+  if (const std::string failure = query::readFailure(session); !failure.empty())
+    return fail(name, failure, query::kCannotRun);
+  if (!found) {
     const std::string where = options.state.empty() ? "" : " in " + options.state;
     return fail(name, "not found: " + options.text() + where, query::kFailed);
   }

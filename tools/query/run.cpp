@@ -27,12 +27,19 @@ bool refuseCount(bool decode, const Op& op, std::string& out) {
                 out);
 }
 
-void call(Session& session, bool decode, const Op& op, const Args& args, std::string& out) {
-  session.prepare(op.sets);
+// False when the answer is that there is none: lookups give what their buffers held when the file
+// cannot be read, and "not found" for a table that is not there.
+bool call(Session& session, bool decode, const Op& op, const Args& args, std::string& out) {
+  const std::size_t start = out.size();
+  const bool loaded = session.prepare(op.sets);
   Answer answer(out, decode);
   answer.begin(op.name);
   op.handler(session, args, answer);
   answer.end();
+  const std::string failure = readFailure(session);
+  if (loaded && failure.empty()) return true;
+  out.resize(start);
+  return refuse(decode, op.name, failure.empty() ? "cannot load its tables" : failure, out);
 }
 
 // Reused by all calls of a stream, for the room that its texts have.
@@ -94,6 +101,13 @@ int failStreams(const char* what) {
 
 }  // namespace
 
+std::string readFailure(Session& session) {
+  const FileRecord* files = session.proc()->files;
+  if (files == nullptr || files->reference == nullptr || !streamError(files->reference)) return {};
+  return std::string("cannot read the reference file: ") +
+         std::strerror(streamErrno(files->reference));
+}
+
 bool answerWords(Session& session, bool decode, std::span<const std::string> words,
                  std::string& out) {
   const Op* op = findOp(words.front());
@@ -104,8 +118,7 @@ bool answerWords(Session& session, bool decode, std::span<const std::string> wor
     const char* wrong = argFromText(words[i + 1], op->parameters[i].kind, args[i]);
     if (wrong != nullptr) return refuse(decode, op->parameters[i].name, wrong, out);
   }
-  call(session, decode, *op, args, out);
-  return true;
+  return call(session, decode, *op, args, out);
 }
 
 bool answerLine(Session& session, bool decode, std::string_view line, std::string& out) {
@@ -124,8 +137,7 @@ bool answerLine(Session& session, bool decode, std::string_view line, std::strin
     const char* wrong = argFromJson((*given)[i], op->parameters[i].kind, args[i]);
     if (wrong != nullptr) return refuse(decode, op->parameters[i].name, wrong, out);
   }
-  call(session, decode, *op, args, out);
-  return true;
+  return call(session, decode, *op, args, out);
 }
 
 int serve(Session& session, bool decode, int in, int out) {

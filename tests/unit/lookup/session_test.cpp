@@ -107,7 +107,9 @@ TEST_F(SessionOfUnloadable, InMemoryRefusesATableThatCannotBeLoaded) {
   EXPECT_TRUE(opens()) << "not asked for: " << error_;
   EXPECT_EQ(nameOf(dbFindCity("TX", "AUSTIN", 6)), "AUSTIN");
   EXPECT_FALSE(session_.prepare(kZipSet));
-  EXPECT_TRUE(session_.prepare(kZipSet)) << "tried once";
+  EXPECT_FALSE(session_.prepare(kZipSet)) << "tried once, and still not there";
+  EXPECT_FALSE(session_.prepare(kZipSet | kCityNameSet));
+  EXPECT_EQ(dbGetZipIndex(73301), -1);
   EXPECT_TRUE(session_.prepare(kCitySet));
 }
 

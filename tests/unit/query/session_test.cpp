@@ -139,7 +139,7 @@ TEST_F(QuerySession, ModesAgree) {
       EXPECT_EQ(answers(calls, onDisk(block, entries)), inMemory) << block << ":" << entries;
 }
 
-TEST_F(QuerySession, AFailedLoadAnswersNotFoundInMemoryAndGoesToDiskByFirstCall) {
+TEST_F(QuerySession, AFailedLoadIsAnErrorInMemoryAndGoesToDiskByFirstCall) {
   const std::string calls =
       "{\"op\":\"dbGetZipIndex\",\"args\":[75001]}\n{\"op\":\"dbGetZipDataFromKey\",\"args\":[1]}"
       "\n";
@@ -149,9 +149,10 @@ TEST_F(QuerySession, AFailedLoadAnswersNotFoundInMemoryAndGoesToDiskByFirstCall)
   auto bytes = *test::readWholeFile(path_);
   le::put<4>(bytes.data() + RefControlRec::zipDataCount.at, 0x7FFFFFFF);
   test::writeWholeFile(path_, bytes);
-  EXPECT_EQ(answers(calls, {}),
-            "{\"op\":\"dbGetZipIndex\",\"result\":-1}\n"
-            "{\"op\":\"dbGetZipDataFromKey\",\"record\":null}\n");
+  EXPECT_EQ(answers(calls + "{\"op\":\"dbFindCity\",\"args\":[\"TX\",\"AUSTIN\"]}\n", {}),
+            "{\"error\":\"dbGetZipIndex: cannot load its tables\"}\n"
+            "{\"error\":\"dbGetZipDataFromKey: cannot load its tables\"}\n"
+            "{\"op\":\"dbFindCity\",\"record\":null}\n");
   SessionSettings first;
   first.mode = LookupMode::kFirst;
   EXPECT_EQ(answers(calls, first), intact);
