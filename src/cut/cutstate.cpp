@@ -88,7 +88,7 @@ std::int32_t writeCut() {
   if (!wroteReference()) return kFailed;
   // 16: release everything; a failed close is a failed write.
   closeDbs();
-  return outputsFailed() ? kFailed : 0;
+  return outputsFailed() || refCopyOutOfMemory() ? kFailed : 0;
 }
 
 }  // namespace

@@ -26,10 +26,12 @@ bool rangeSourceReported = false;
 bool tooLong(const char* path) { return std::strlen(path) > kMaxOutputPath; }
 
 bool sourceFailed(const Stream* stream, const char* path, bool& reported) {
-  if (!inError(stream)) return false;
+  const bool error = inError(stream);
+  // A short file is read as it stands; one that loses bytes meanwhile is no state of a database.
+  if (!error && (stream == nullptr || !streamShrank(stream))) return false;
   if (!reported) {
     logPathError({kCutstate, __LINE__}, "DB Read Error", kReasonRead, path,
-                 std::strerror(streamErrno(stream)));
+                 error ? std::strerror(streamErrno(stream)) : "became shorter while it was read");
   }
   reported = true;
   return true;

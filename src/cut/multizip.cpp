@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "cut/blockcopy.h"
 #include "cut/guards.h"
 #include "cut/multizipsize.h"
 #include "cut/progress.h"
 #include "cut/rangecopy.h"
+#include "cut/rangeplan.h"
 #include "cut/zipselect.h"
 #include "dbfiles/memory.h"
 #include "log/procobj.h"
@@ -144,13 +144,15 @@ std::int32_t updateKind(CountField zipCount, KeyField keyField, RbaField rba) {
   return 0;
 }
 
-void startProgress() {
-  if (!progressWanted()) return;
+void planPartitions(RangePlan& plan) {
   std::uint64_t total = 0;
   for (std::uint32_t key = 0; key < keyCount(); ++key) {
-    if (multiZipKeys[key].bytes > 0) total += static_cast<std::uint32_t>(multiZipKeys[key].bytes);
+    if (multiZipKeys[key].bytes <= 0) continue;
+    const auto bytes = static_cast<std::uint32_t>(multiZipKeys[key].bytes);
+    plan.add(multiZipKeys[key].oldRba, bytes);
+    total += bytes;
   }
-  progressStep("Multi-ZIP partitions", total);
+  if (progressWanted()) progressStep("Multi-ZIP partitions", total);
 }
 
 }  // namespace
@@ -199,16 +201,18 @@ std::int32_t buildRRMultiZip() {
 }
 
 std::int32_t writeMultiZip() {
-  startProgress();
+  RangePlan plan;
+  planPartitions(plan);
   std::uint32_t lastRba = 0;
-  for (std::uint32_t key = 0; key < keyCount(); ++key) {
+  const std::uint32_t keys = keyCount();
+  for (std::uint32_t key = 0; key < keys; ++key) {
     MultiZipKey& entry = multiZipKeys[key];
     if (entry.bytes <= 0) continue;
     // A warning only; a step back is copied like any other partition.
     if (entry.oldRba < lastRba) std::printf("must go forward!! not back!!\n");
     lastRba = entry.oldRba;
     const auto bytes = static_cast<std::uint32_t>(entry.bytes);
-    copyEntryPoint(entry.oldRba, bytes);  // a failed copy does not stop the cut; this is meant
+    plan.copy(entry.oldRba, bytes);  // a failed copy does not stop the cut; this is meant
     if (inError(pProcObj->files->range)) return -1;
     entry.newRba = totalRngBytes;
     totalRngBytes += bytes;

@@ -1,8 +1,10 @@
 #include "cut/rangecopy.h"
 
-#include "cut/blockcopy.h"
+#include <vector>
+
 #include "cut/guards.h"
 #include "cut/progress.h"
+#include "cut/rangeplan.h"
 #include "cut/zipselect.h"
 #include "log/procobj.h"
 #include "tables/refpointers.h"
@@ -10,6 +12,8 @@
 namespace statecut {
 
 namespace {
+
+constexpr std::size_t kKeys = 65536;
 
 // The size in the ZIP Bytes table; 0 for a key outside it or an unknown kind.
 std::uint32_t partitionBytes(std::uint32_t key, std::int32_t kind) {
@@ -28,27 +32,52 @@ const char* kindLabel(std::int32_t kind) {
   return "";
 }
 
-template <typename RbaField>
-void startProgress(const char* step, std::int32_t kind, RbaField rba) {
-  if (!progressWanted() || scZipCodeIndex == nullptr) return;
-  std::uint64_t total = 0;
-  for (std::uint32_t zip = 0; zip < kZipCodes; ++zip) {
-    const std::uint16_t key = scZipCodeIndex[zip].get(ZipIndexRow::zipKey);
-    const ZipDataRow* record = key == 0 ? nullptr : dbGetZipDataFromKeyIn(key);
-    if (record != nullptr && record->get(rba) != 0) total += partitionBytes(key, kind);
-  }
-  progressStep(step, total);
+// True when ZIP codes in the cut share a record, as its number is kept in 16 bits: the later ones
+// find it pointing at its copy.
+bool shareRecords() {
+  std::vector<bool> seen(kKeys);
+  bool shared = false;
+  visitSelectedZips([&](std::uint16_t key) {
+    shared = seen[key];
+    seen[key] = true;
+    return !shared;
+  });
+  return shared;
 }
 
+// Plans the partitions of one kind, as far as the ZIP keys are good; without a plan it only counts.
+// Their bytes.
 template <typename RbaField>
-std::int32_t copyKind(const char* step, std::int32_t kind, RbaField rbaField, LogSite badKey) {
-  startProgress(step, kind, rbaField);
+std::uint64_t planKind(RangePlan* plan, std::int32_t kind, RbaField rbaField) {
+  std::uint64_t total = 0;
+  visitSelectedZips([&](std::uint16_t key) {
+    const ZipDataRow* record = dbGetZipDataFromKeyIn(key);
+    if (record == nullptr) return false;
+    const std::uint32_t rba = record->get(rbaField);
+    if (rba == 0) return true;
+    const std::uint32_t bytes = partitionBytes(key, kind);
+    if (plan != nullptr) plan->add(rba, bytes);
+    total += bytes;
+    return true;
+  });
+  return total;
+}
+
+struct Kind {
+  std::int32_t kind;
+  const char* step;
+  LogSite badKey;
+};
+
+template <typename RbaField>
+std::int32_t copyKind(RangePlan& plan, const Kind& kind, std::uint64_t total, RbaField rbaField) {
+  if (progressWanted()) progressStep(kind.step, total);
   return forEachSelectedZip(
-      badKey, "Build Single Zips", [&](std::uint16_t key, ZipDataRow& record) -> std::int32_t {
+      kind.badKey, "Build Single Zips", [&](std::uint16_t key, ZipDataRow& record) -> std::int32_t {
         const std::uint32_t rba = record.get(rbaField);
         if (rba == 0) return 0;
-        const auto bytes = static_cast<std::uint32_t>(getEntryPointSize(key, kind));
-        copyEntryPoint(rba, bytes);  // a failed copy does not stop the cut; this is meant
+        const auto bytes = static_cast<std::uint32_t>(getEntryPointSize(key, kind.kind));
+        plan.copy(rba, bytes);  // a failed copy does not stop the cut; this is meant
         if (inError(pProcObj->files->range)) return -1;
         record.set(rbaField, totalRngBytes);
         totalRngBytes += bytes;
@@ -68,11 +97,17 @@ std::int32_t getEntryPointSize(std::uint32_t key, std::int32_t kind) {
 }
 
 std::int32_t buildZipEntryPoints() {
-  std::int32_t status = copyKind("SFH partitions", kSfh, ZipDataRow::sfhRba, logsite::kSfhBadKey);
-  if (status == 0) {
-    status = copyKind("POB partitions", kPob, ZipDataRow::pobRba, logsite::kPobBadKey);
-  }
-  if (status == 0) status = copyKind("RR partitions", kRr, ZipDataRow::rrRba, logsite::kRrBadKey);
+  constexpr Kind kSfhKind{kSfh, "SFH partitions", logsite::kSfhBadKey};
+  constexpr Kind kPobKind{kPob, "POB partitions", logsite::kPobBadKey};
+  constexpr Kind kRrKind{kRr, "RR partitions", logsite::kRrBadKey};
+  RangePlan plan;
+  RangePlan* const planned = shareRecords() ? nullptr : &plan;
+  const std::uint64_t sfh = planKind(planned, kSfh, ZipDataRow::sfhRba);
+  const std::uint64_t pob = planKind(planned, kPob, ZipDataRow::pobRba);
+  const std::uint64_t rr = planKind(planned, kRr, ZipDataRow::rrRba);
+  std::int32_t status = copyKind(plan, kSfhKind, sfh, ZipDataRow::sfhRba);
+  if (status == 0) status = copyKind(plan, kPobKind, pob, ZipDataRow::pobRba);
+  if (status == 0) status = copyKind(plan, kRrKind, rr, ZipDataRow::rrRba);
   return status;
 }
 

@@ -26,11 +26,15 @@ struct LoadedTable {
   std::int32_t failure;
 };
 
+bool outOfMemory = false;
+
 std::int32_t load(const LoadedTable& table, std::uint64_t bytes, std::uint32_t rba) {
   logRequired(table.site, "Info Message", table.name, bytes);
   auto* block = static_cast<unsigned char*>(allocTable(bytes));
   refPointers[table.slot].table = block;
   if (block == nullptr) {
+    // A table above the bound is left out of every cut, one without memory of this one alone.
+    if (bytes <= kTableMaxBytes) outOfMemory = true;
     memoryError(table.errorName, pProcObj);
     return table.failure;
   }
@@ -112,6 +116,7 @@ bool loadIndexTables() {
 
 std::int32_t copyRefDb() {
   totalBytes = 0;
+  outOfMemory = false;
   refPointers.fill(RefSlot{});
   RefControlRec* record = refControl();
   if (record == nullptr) return -1;
@@ -128,6 +133,8 @@ std::int32_t copyRefDb() {
   if (inError(pProcObj->files->reference)) return -1;
   return loadIndexTables() ? 0 : -1;
 }
+
+bool refCopyOutOfMemory() { return outOfMemory; }
 
 std::int32_t readCityData4SC1() {
   return load({logsite::kCityData, "City Data Table", "City Data", kSlotCityData, -2},

@@ -8,6 +8,9 @@ namespace statecut {
 
 std::int32_t copyRefDb();  // 0 or -1 (logged)
 
+// Whether the last copyRefDb went on without a table because memory ran out: the cut is not right.
+[[nodiscard]] bool refCopyOutOfMemory();
+
 // Loaders of tables that a cut rewrites. 0, or a status (logged) after which the slot is null or
 // holds what was read.
 std::int32_t readCityData4SC1();  // -2

@@ -1,7 +1,9 @@
 #include "cut/refupdate.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <span>
 
 #include "cut/cutlog.h"
 #include "cut/workstate.h"
@@ -96,11 +98,17 @@ void renumber(SlotNumber slot, std::size_t rowBytes, std::size_t nameAt, std::si
               std::uint32_t count, const std::uint32_t* map, NameType type) {
   const unsigned char* table = refPointers[slot].table;
   if (table == nullptr) return;
+  std::array<HashedName, kZapBatch> batch;
+  std::size_t held = 0;
   for (std::uint32_t i = 0; i < count; ++i) {
     if (map[i] == i && i != 0) continue;
     const unsigned char* record = table + std::uint64_t{i} * rowBytes;
-    zapHashedName(record + nameAt, record[lengthAt] + kStateBytes, type, map[i]);
+    batch[held++] = {record + nameAt, record[lengthAt] + kStateBytes, map[i]};
+    if (held < batch.size()) continue;
+    zapHashedNames(batch, type);
+    held = 0;
   }
+  zapHashedNames(std::span(batch).first(held), type);
 }
 
 }  // namespace

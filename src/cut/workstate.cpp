@@ -1,7 +1,5 @@
 #include "cut/workstate.h"
 
-#include "log/procobj.h"
-
 namespace statecut {
 
 Stream* newRefDb = nullptr;
@@ -20,7 +18,5 @@ std::uint32_t* cityPhNameMap = nullptr;
 
 std::uint32_t sourceCityNames = 0;
 std::uint32_t sourceCityPhonetics = 0;
-
-RefControlRec* refControl() { return pProcObj == nullptr ? nullptr : pProcObj->refControlRec; }
 
 }  // namespace statecut

@@ -6,6 +6,7 @@
 
 #include "dbfiles/controlrec.h"
 #include "dbfiles/stream.h"
+#include "log/procobj.h"
 #include "tables/rows.h"
 
 namespace statecut {
@@ -47,7 +48,9 @@ extern std::uint32_t sourceCityNames;
 extern std::uint32_t sourceCityPhonetics;
 
 // The reference control record in memory, or null.
-[[nodiscard]] RefControlRec* refControl();
+[[nodiscard]] inline RefControlRec* refControl() {
+  return pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
+}
 
 // A word of the reference control record, 0 without a record.
 template <std::size_t At>

@@ -21,6 +21,16 @@ int streamSkip(Stream* stream, std::uint64_t distance);  // from the current pos
 std::size_t streamRead(Stream* stream, void* to, std::size_t count);
 std::size_t streamWrite(Stream* stream, const void* from, std::size_t count);
 
+// Appends bytes at `offset` of `from` to `to`, past both buffers. The bytes moved, at most `count`;
+// 0 where that can't be done or does not pay: they are for streamRead and streamWrite then, which
+// meet the failure, if there is one. Sets no indicator, except of a `to` that can't be flushed.
+std::size_t streamAppend(Stream* to, Stream* from, std::uint64_t offset, std::uint64_t count);
+
+// Bytes of a regular file, 0 for anything else.
+[[nodiscard]] std::uint64_t streamSize(const Stream* stream);
+// Tells that these bytes will be read soon.
+void streamWillNeed(const Stream* stream, std::uint64_t offset, std::uint64_t count);
+
 int streamFlush(Stream* stream);  // 0, or -1 with errno set and the error indicator set
 int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno set. Null: 0
 
@@ -28,9 +38,11 @@ int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno s
 [[nodiscard]] bool streamEof(const Stream* stream);
 // errno of the first failure behind the error indicator, 0 when it is not set.
 [[nodiscard]] int streamErrno(const Stream* stream);
+// True when a file that is read is shorter than it was when the stream was opened.
+[[nodiscard]] bool streamShrank(const Stream* stream);
 
 // True when both names lead to one regular file, however aliased: by device and inode where they
-// exist, by resolved path (folder resolved, then the name) where neither does. Devices never.
+// exist, by their folder and the name in it where neither does. Devices never.
 [[nodiscard]] bool sameFile(const char* a, const char* b);
 
 }  // namespace statecut

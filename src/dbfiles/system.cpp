@@ -1,6 +1,8 @@
 #include "dbfiles/system.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -32,6 +34,27 @@ std::int64_t writeFlushed(int fd, const void* from, std::size_t count) {
 void willNeed(int fd, std::uint64_t offset, std::uint64_t count) {
   static_cast<void>(::posix_fadvise(fd, static_cast<off_t>(offset), static_cast<off_t>(count),
                                     POSIX_FADV_WILLNEED));
+}
+
+std::uint64_t fileBytes(int fd) {
+  struct stat status {};
+  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+// The bytes go from one page cache to the other in one copy. Only the kernel touches the mapping: a
+// page that can't be had, as when the file shrinks, is a short write and no signal.
+std::size_t appendRange(int to, int from, std::uint64_t offset, std::size_t count) {
+  static const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+  const std::uint64_t size = fileBytes(from);
+  if (count == 0 || offset >= size || count > size - offset) return 0;
+  const auto lead = static_cast<std::size_t>(offset % page);
+  void* const map = ::mmap(nullptr, lead + count, PROT_READ, MAP_SHARED | MAP_POPULATE, from,
+                           static_cast<off_t>(offset - lead));
+  if (map == MAP_FAILED) return 0;
+  const ssize_t put = ::write(to, static_cast<const unsigned char*>(map) + lead, count);
+  ::munmap(map, lead + count);
+  return put < 0 ? 0 : static_cast<std::size_t>(put);
 }
 
 int closeFile(int fd) { return ::close(fd); }

@@ -16,6 +16,11 @@ std::int64_t readAt(int fd, void* to, std::size_t count, std::uint64_t offset);
 std::int64_t writeNext(int fd, const void* from, std::size_t count);
 std::int64_t writeFlushed(int fd, const void* from, std::size_t count);  // what a buffer held
 void willNeed(int fd, std::uint64_t offset, std::uint64_t count);        // a hint; never fails
+// Writes `count` bytes at `offset` of the regular file `from` to `to` without reading them. The
+// bytes moved; fewer, down to 0, where that can't be done. It reports nothing: whoever reads and
+// writes the rest meets the end of the file or the failure, if there is one.
+std::size_t appendRange(int to, int from, std::uint64_t offset, std::size_t count);
+std::uint64_t fileBytes(int fd);  // of a regular file, 0 for anything else
 int closeFile(int fd);
 
 void* allocateZeroed(std::size_t bytes);  // null when memory runs out; released by release

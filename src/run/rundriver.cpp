@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 #include "cut/cutstate.h"
 #include "log/clock.h"
@@ -22,6 +23,7 @@ ProcObj procObj;
 OptionsRecord optionsRecord;
 
 constexpr std::int32_t kLogNotOpen = -9;
+constexpr std::int32_t kOutOfMemory = -1;
 
 void initProcObj() {
   procObj = ProcObj{};
@@ -71,9 +73,7 @@ std::int32_t runWithLog() {
   return result;
 }
 
-}  // namespace
-
-std::int32_t runMain(int argc, char** argv) {
+std::int32_t run(int argc, char** argv) {
   initProcObj();
   const std::int32_t status = parseCmdLine(argc, argv);
   if (status != 0) {
@@ -92,6 +92,17 @@ std::int32_t runMain(int argc, char** argv) {
     return kLogNotOpen;
   }
   return runWithLog();
+}
+
+}  // namespace
+
+std::int32_t runMain(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::fputs("statecut: out of memory\n", stderr);
+    return kOutOfMemory;
+  }
 }
 
 }  // namespace statecut

@@ -87,7 +87,7 @@ void clearSettings() {
 
 std::int32_t readOptions(int argc, char** argv) {
   std::int32_t status = 0;
-  optind = 1;
+  optind = 0;  // not 1: an earlier call may have left an argument in the middle
   int option = 0;
   // One more option is taken after a status was set, and not applied; meant.
   while ((option = ::getopt(argc, argv, kOptionString)) != -1 && status == 0) {

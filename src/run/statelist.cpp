@@ -100,8 +100,12 @@ std::int32_t readStateList() {
     std::fprintf(stderr, "Opened state file: %s\n", name);
   }
   const std::int32_t status = readLines(file);
+  // What opens and cannot be read (a folder) must not pass for an empty list.
+  if (file == nullptr && std::ferror(stdin) != 0) {
+    std::fputs("Could not read states from standard input.\n", stderr);
+    return kNoStateFile;
+  }
   if (file != nullptr && streamError(file)) {
-    // A file that opens and cannot be read (a folder) must not pass for an empty list.
     streamClose(file);
     return stateFileFailure(name);
   }

@@ -65,12 +65,13 @@ void addCities(Model& model, const std::vector<std::string>& states, Random& ran
   for (std::uint32_t city = 1; city <= cities; ++city) {
     const std::string& state = pick(states, random);
     const std::uint32_t names = random.between(1, 3);
-    for (std::uint32_t i = 0; i < names; ++i)
-      model.cityNames.push_back(
-          {static_cast<std::uint16_t>(random.percent(95) ? city : 0),
-           static_cast<Byte>(random.below(4)), state,
-           randomText(random, random.percent(10) ? 0 : 2, random.percent(10) ? 28 : 8),
-           std::nullopt});
+    for (std::uint32_t i = 0; i < names; ++i) {
+      const auto key = static_cast<std::uint16_t>(random.percent(95) ? city : 0);
+      const auto value = static_cast<Byte>(random.below(4));
+      const std::uint32_t most = random.percent(10) ? 28 : 8;
+      const std::uint32_t least = random.percent(10) ? 0 : 2;
+      model.cityNames.push_back({key, value, state, randomText(random, least, most), std::nullopt});
+    }
   }
   std::sort(model.cityNames.begin() + 1, model.cityNames.end(),
             [](const CityName& a, const CityName& b) {

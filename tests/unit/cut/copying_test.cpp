@@ -207,6 +207,25 @@ TEST_F(RangeCopy, SharedKeyIsCopiedAgainFromItsNewPlace) {
   EXPECT_EQ(slice(writtenRange(), 100, 100), slice(source_, 624, 100));
 }
 
+// Its first place stands behind that of the ZIP code before, with which it would move together.
+TEST_F(RangeCopy, SharedKeyBehindItsNeighbourIsCopiedFromItsNewPlace) {
+  start(pattern(200000, 6));
+  totalRngBytes = 624;
+  select(10004, 3);
+  zips[1].set(ZipDataRow::sfhRba, 50000);
+  sizes[1].set(ZipBytesRow::sfhBytes, 10000);
+  zips[3].set(ZipDataRow::sfhRba, 60000);
+  sizes[3].set(ZipBytesRow::sfhBytes, 40000);
+  EXPECT_EQ(buildZipEntryPoints(), 0);
+  EXPECT_EQ(zips[1].get(ZipDataRow::sfhRba), 40624u);
+  EXPECT_EQ(zips[3].get(ZipDataRow::sfhRba), 50624u);
+  const Bytes written = writtenRange();
+  ASSERT_EQ(written.size(), 90000u);
+  EXPECT_EQ(slice(written, 0, 40000), slice(source_, 60000, 40000));
+  EXPECT_EQ(slice(written, 40000, 10000), slice(source_, 50000, 10000));
+  EXPECT_EQ(slice(written, 50000, 40000), slice(source_, 624, 40000));
+}
+
 TEST_F(RangeCopy, BadKeyStopsAtItsPass) {
   select(50000, 5);
   EXPECT_EQ(buildZipEntryPoints(), -1);

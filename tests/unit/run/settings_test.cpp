@@ -137,6 +137,22 @@ TEST_F(SettingsTest, MissingArgumentIsStatusOne) {
   EXPECT_EQ(child.err, "statecut: option requires an argument -- 'l'\n");
 }
 
+TEST_F(SettingsTest, ClusterLeftInTheMiddleIsForgottenByTheNextCall) {
+  const auto displayAfter = [](const char* earlier) {
+    return inChild("NY\n", [earlier] {
+      Arguments first({earlier});
+      static_cast<void>(parseCmdLine(first.count(), first.vector()));
+      Arguments second({});
+      static_cast<void>(parseCmdLine(second.count(), second.vector()));
+      std::string text = std::to_string(cmdLine.displayInfo);
+      freeCmdLine();
+      return text;
+    });
+  };
+  EXPECT_EQ(displayAfter("-h").report, "0");
+  EXPECT_EQ(displayAfter("-hti").report, "0");  // -h ends the call, -t is taken, -i is left
+}
+
 TEST_F(SettingsTest, OneMoreOptionIsTakenAfterHelpAndNotApplied) {
   const ChildResult unknown = parsed({"-h", "-q", "-x"});
   EXPECT_TRUE(unknown.report.starts_with("1 "));

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace statecut {
@@ -133,6 +134,28 @@ TEST_F(StreamTest, DirectoryOpensAndFailsAtTheRead) {
   EXPECT_FALSE(streamEof(stream));
   EXPECT_EQ(streamErrno(stream), EISDIR);
   streamClose(stream);
+}
+
+TEST_F(StreamTest, FileThatLosesBytesWhileItIsOpenShrank) {
+  Stream* const stream = streamOpen(fileOf(100).c_str(), "rb");
+  ASSERT_NE(stream, nullptr);
+  EXPECT_FALSE(streamShrank(stream));
+  ASSERT_EQ(::truncate(path("data").c_str(), 101), 0);
+  EXPECT_FALSE(streamShrank(stream));
+  ASSERT_EQ(::truncate(path("data").c_str(), 99), 0);
+  EXPECT_TRUE(streamShrank(stream));
+  streamClose(stream);
+}
+
+TEST_F(StreamTest, DevicesAndFilesThatAreWrittenNeverShrink) {
+  using NameAndMode = std::pair<std::string, const char*>;
+  for (const auto& [name, mode] :
+       {NameAndMode("/dev/null", "rb"), {"/dev/zero", "rb"}, {path("new"), "wb"}}) {
+    Stream* const stream = streamOpen(name.c_str(), mode);
+    ASSERT_NE(stream, nullptr) << name;
+    EXPECT_FALSE(streamShrank(stream)) << name;
+    streamClose(stream);
+  }
 }
 
 TEST_F(StreamTest, PipeCannotSeek) {

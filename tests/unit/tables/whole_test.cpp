@@ -44,6 +44,17 @@ TEST_F(WholeLoadTest, EachFailureIsMinusOneAndKeepsWhatIsLoaded) {
   EXPECT_EQ(dbReadStateCutRefDb(holding(Bytes(10)), &record_, nullptr), -1);
 }
 
+TEST_F(WholeLoadTest, AReadErrorEndsItBeforeTheNextReader) {
+  EXPECT_EQ(dbReadStateCutRefDb(holding(Bytes(10)), &record_, &proc_), 0);
+  emptySlots();
+  Stream* const folder = streamOpen(".", "rb");
+  EXPECT_EQ(dbReadStateCutRefDb(folder, &record_, &proc_), -1);
+  EXPECT_TRUE(streamError(folder));
+  EXPECT_NE(refPointers[kSlotCityNames].table, nullptr);
+  EXPECT_EQ(refPointers[kSlotCityPhonetics].table, nullptr);
+  streamClose(folder);
+}
+
 TEST_F(WholeLoadTest, IsTracedAroundItsReaders) {
   options_.debugSwitch = 'D';
   EXPECT_EQ(dbReadStateCutRefDb(holding(Bytes(10)), &record_, &proc_), 0);

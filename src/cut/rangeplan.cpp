@@ -1,0 +1,81 @@
+#include "cut/rangeplan.h"
+
+#include <algorithm>
+
+#include "cut/blockcopy.h"
+#include "cut/guards.h"
+#include "cut/workstate.h"
+#include "log/procobj.h"
+
+namespace statecut {
+
+namespace {
+
+constexpr std::uint64_t kLookAhead = 8 * 1024 * 1024;
+constexpr std::uint64_t kAnnounced = 1024 * 1024;  // at once
+
+Stream* source() { return pProcObj->files->range; }
+
+}  // namespace
+
+RangePlan::RangePlan() : sourceBytes_(source() == nullptr ? 0 : streamSize(source())) {}
+
+// What runs past the end of the source, or has no bytes, is left to the block copier.
+bool RangePlan::inSource(std::uint32_t rba, std::uint32_t bytes) const {
+  return static_cast<std::int32_t>(bytes) > 0 && std::uint64_t{rba} + bytes <= sourceBytes_;
+}
+
+void RangePlan::add(std::uint32_t rba, std::uint32_t bytes) {
+  if (static_cast<std::int32_t>(bytes) <= 0) return;
+  const bool inside = inSource(rba, bytes);
+  if (inside && joinable_ && runs_.back().end == rba) {
+    runs_.back().end += bytes;
+  } else if (inside) {
+    runs_.push_back({rba, rba, rba, std::uint64_t{rba} + bytes});
+  }
+  joinable_ = inside;
+}
+
+std::int32_t RangePlan::copy(std::uint32_t rba, std::uint32_t bytes) {
+  if (!inSource(rba, bytes) || current_ == runs_.size() || runs_[current_].next != rba) {
+    return copyEntryPoint(rba, bytes);
+  }
+  Run& run = runs_[current_];
+  const std::uint64_t end = std::uint64_t{rba} + bytes;
+  while (run.moved < end && advance(run)) {
+  }
+  const auto moved = static_cast<std::uint32_t>(std::min(run.moved, end) - rba);
+  const std::int32_t status = copyEntryPoint(rba, bytes, moved);
+  run.next = end;
+  if (run.moved < end) {
+    moved_ += end - run.moved;
+    run.moved = end;
+  }
+  if (run.next == run.end) ++current_;
+  return status;
+}
+
+// Moves a piece of the run. False when none moved.
+bool RangePlan::advance(Run& run) {
+  if (newRangeDb == nullptr || inError(newRangeDb) || inError(source())) return false;
+  lookAhead();
+  const std::size_t put = streamAppend(newRangeDb, source(), run.moved, run.end - run.moved);
+  run.moved += put;
+  moved_ += put;
+  return put != 0;
+}
+
+void RangePlan::lookAhead() {
+  while (announced_ < runs_.size() && announcedBytes_ < moved_ + kLookAhead) {
+    const Run& run = runs_[announced_];
+    const std::uint64_t piece = std::min(run.end - run.begin - announcedInRun_, kAnnounced);
+    streamWillNeed(source(), run.begin + announcedInRun_, piece);
+    announcedBytes_ += piece;
+    announcedInRun_ += piece;
+    if (run.begin + announcedInRun_ < run.end) continue;
+    ++announced_;
+    announcedInRun_ = 0;
+  }
+}
+
+}  // namespace statecut

@@ -1,0 +1,94 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "dbfiles/stream.h"
+
+namespace {
+
+using namespace statecut;
+
+class Append : public ::testing::Test {
+ protected:
+  Append() : folder_(std::filesystem::temp_directory_path() / "append-XXXXXX") {
+    folder_ = ::mkdtemp(folder_.data());
+    for (int i = 0; i < 300'000; ++i) bytes_ += static_cast<char>(i * 7 + i / 256);
+    std::ofstream(path("source"), std::ios::binary) << bytes_;
+    from_ = streamOpen(path("source").c_str(), "rb");
+    to_ = streamOpen(path("target").c_str(), "wb");
+  }
+  ~Append() override {
+    streamClose(from_);
+    streamClose(to_);
+    std::filesystem::remove_all(folder_);
+  }
+  [[nodiscard]] std::string path(const char* name) const { return folder_ + "/" + name; }
+  std::string written() {
+    EXPECT_EQ(streamFlush(to_), 0);
+    std::ifstream in(path("target"), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  std::string folder_;
+  std::string bytes_;
+  Stream* from_ = nullptr;
+  Stream* to_ = nullptr;
+};
+
+TEST_F(Append, MovesBytesBehindWhatTheBufferHolds) {
+  ASSERT_EQ(streamWrite(to_, "head", 4), 4u);
+  ASSERT_EQ(streamAppend(to_, from_, 12'345, 100'000), 100'000u);
+  ASSERT_EQ(streamWrite(to_, "tail", 4), 4u);
+  EXPECT_EQ(written(), "head" + bytes_.substr(12'345, 100'000) + "tail");
+}
+
+TEST_F(Append, ReaderAndItsPositionStayAsTheyAre) {
+  char two[2];
+  ASSERT_EQ(streamRead(from_, two, 2), 2u);
+  ASSERT_EQ(streamAppend(to_, from_, 50'000, 100'000), 100'000u);
+  ASSERT_EQ(streamRead(from_, two, 2), 2u);
+  EXPECT_EQ(std::string(two, 2), bytes_.substr(2, 2));
+}
+
+TEST_F(Append, RewindOverwritesWhatWasMoved) {
+  ASSERT_EQ(streamAppend(to_, from_, 0, 100'000), 100'000u);
+  ASSERT_EQ(streamSeek(to_, 0), 0);
+  ASSERT_EQ(streamWrite(to_, "head", 4), 4u);
+  EXPECT_EQ(written(), "head" + bytes_.substr(4, 99'996));
+}
+
+TEST_F(Append, FewBytesAreLeftToTheBuffer) { EXPECT_EQ(streamAppend(to_, from_, 0, 1000), 0u); }
+
+TEST_F(Append, NothingMovesBehindTheEndOfTheSource) {
+  EXPECT_EQ(streamAppend(to_, from_, 200'000, 100'001), 0u);
+  EXPECT_EQ(streamAppend(to_, from_, 300'000, 100'000), 0u);
+  EXPECT_EQ(streamAppend(to_, from_, UINT64_MAX - 5, 100'000), 0u);
+  EXPECT_EQ(streamAppend(to_, from_, 200'000, 100'000), 100'000u);
+}
+
+TEST_F(Append, FailureIsLeftToTheWriteThatFollows) {
+  Stream* const full = streamOpen("/dev/full", "wb");
+  ASSERT_NE(full, nullptr);
+  EXPECT_EQ(streamAppend(full, from_, 0, 100'000), 0u);
+  EXPECT_FALSE(streamError(full));
+  EXPECT_LT(streamWrite(full, bytes_.data(), 100'000), 100'000u);
+  EXPECT_TRUE(streamError(full));
+  streamClose(full);
+}
+
+TEST_F(Append, StreamForReadingTakesNothing) {
+  EXPECT_EQ(streamAppend(from_, from_, 0, 100'000), 0u);
+}
+
+TEST_F(Append, SizeIsThatOfARegularFileAlone) {
+  EXPECT_EQ(streamSize(from_), 300'000u);
+  Stream* const device = streamOpen("/dev/null", "rb");
+  EXPECT_EQ(streamSize(device), 0u);
+  streamClose(device);
+}
+
+}  // namespace
