@@ -1,8 +1,10 @@
 // statedb build: makes a database pair.
 
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -75,6 +77,14 @@ std::uint64_t parseSeed(const std::string& text) {
   return seed;
 }
 
+// Makes an empty file of what stands there.
+bool emptied(const std::filesystem::path& path, std::string& error) {
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (file != nullptr) return std::fclose(file) == 0;
+  error = "cannot open " + path.string() + ": " + std::strerror(errno);
+  return false;
+}
+
 int build(const BuildSettings& settings) {
   std::vector<builder::Place> places;
   std::string error;
@@ -87,7 +97,9 @@ int build(const BuildSettings& settings) {
   if (made) return fail("cannot create " + settings.out + ": " + made.message());
   const std::filesystem::path folder = settings.out;
   builder::WrittenFile ref, rng;
-  if (!builder::writeReferenceFile(model, folder / "city.dir", ref, error) ||
+  // Emptied first, so that a build that is cut off never leaves a new file beside an older one.
+  if (!emptied(folder / "zip4us.dir", error) ||
+      !builder::writeReferenceFile(model, folder / "city.dir", ref, error) ||
       !builder::writeRangeFile(model, folder / "zip4us.dir", rng, error))
     return fail(error);
   std::printf("%s: %llu bytes, %zu ZIP codes, %zu city names\n", ref.path.c_str(),
