@@ -43,3 +43,56 @@ name_of() {
 sums() {
   cksum "$@" | awk '{ print $1, $2, $3 }'
 }
+
+# first_cut: cuts the states of "states" under the names a.city.sc and a.zip4us.sc, the right outputs.
+first_cut() {
+  "$STATECUT" -s states -o a.city.sc -z a.zip4us.sc -l a.log >/dev/null 2>&1 || exit 99
+}
+
+# right [REF RANGE]: whether the outputs (default: city.sc, zip4us.sc) are those of first_cut.
+right() {
+  cmp -s a.city.sc "${1:-city.sc}" && cmp -s a.zip4us.sc "${2:-zip4us.sc}"
+}
+
+# records LOG: the error records of a log, without their times, lines and process ids.
+records() {
+  [ ! -f "$1" ] || sed -n 's/^[^;]*;\(ERR\|CRITCAL\);\([^;:]*\):[0-9]*;[^;]*;/\1;\2;/p' "$1"
+}
+
+# unprivileged CMD...: runs it as a user whom file permissions bind, also when that is root.
+unprivileged() {
+  if [ "$(id -u)" -eq 0 ]; then
+    setpriv --bounding-set=-dac_override,-dac_read_search "$@"
+  else
+    "$@"
+  fi
+}
+
+# on_small_disk FOLDER SNIPPET: runs the snippet with an empty file system of 64 KiB on FOLDER; where
+# nobody may mount, with the full device under every name that a snippet writes.
+on_small_disk() {
+  if unshare -rm true 2>/dev/null; then
+    unshare -rm sh -c 'mount -t tmpfs -o size=64k none "$2" && . "$1" && eval "$3"' sh \
+      "$CASE/../../lib.sh" "$1" "$2"
+  else
+    for on_small_name in city.sc zip4us.sc city.dir zip4us.dir log; do
+      ln -s /dev/full "$1/$on_small_name"
+    done
+    eval "$2"
+  fi
+}
+
+# limit_memory MIB CMD...: an address space of so many MiB. A sanitized program needs terabytes of
+# it, so there the largest block is limited instead.
+limit_memory() {
+  limit_mib=$1
+  shift
+  if [ -n "$SANITIZED" ]; then
+    ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}allocator_may_return_null=1:max_allocation_size_mb=$limit_mib" "$@" 2>memory.err
+    limit_status=$?
+    grep -v -e '^==' -e '^ *#' -e '^$' memory.err >&2
+    rm -f memory.err
+    return $limit_status
+  fi
+  (ulimit -v $((limit_mib * 1024)) && exec "$@")
+}

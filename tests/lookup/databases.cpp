@@ -80,12 +80,16 @@ Database smallDatabase() {
   return {"small", referenceFile(makeModel(smallPlaces(), smallOptions())).bytes};
 }
 
-Database randomLookupDatabase(std::uint64_t seed) {
+Model randomLookupModel(std::uint64_t seed) {
   Random random(seed);
   std::vector<std::string> states;
   Model model = randomModel(random, states);
   addLookupTables(model, random);
-  return {"random database " + std::to_string(seed), referenceFile(model).bytes};
+  return model;
+}
+
+Database randomLookupDatabase(std::uint64_t seed) {
+  return {"random database " + std::to_string(seed), referenceFile(randomLookupModel(seed)).bytes};
 }
 
 }  // namespace statecut::test

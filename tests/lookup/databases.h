@@ -17,8 +17,9 @@ struct Database {
 
 Database tinyDatabase();
 Database smallDatabase();
-Database randomLookupDatabase(std::uint64_t seed);  // valid; a function of the seed
-Database edgeDatabase();                            // where memory and file differ on purpose
+Database randomLookupDatabase(std::uint64_t seed);     // valid; a function of the seed
+builder::Model randomLookupModel(std::uint64_t seed);  // what it is made from
+Database edgeDatabase();                               // where memory and file differ on purpose
 
 // The edge database (without its long lists) with one number damaged, each in turn.
 std::vector<Database> damagedDatabases();

@@ -1,0 +1,187 @@
+// A cut that is killed at each of its writes: the inputs stay as they are, and verify reports every
+// pair that is not complete.
+//
+// The program's writes are counted, and end it, inside of it: no privileges are needed.
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "kills.h"
+#include "run/rundriver.h"
+#include "support/faultysystem.h"
+
+namespace statecut::test {
+namespace {
+
+struct Cut {
+  const char* name;
+  bool tiny;
+  const char* states;  // as verify takes them
+  bool overOlder;      // a complete cut of other states stands where the outputs go
+  int level;
+};
+
+constexpr Cut kCuts[] = {{"MicroTwoStates", false, "TX,OK", false, 3},
+                         {"MicroOverAnOlderCut", false, "TX", true, 3},
+                         {"TinyTwoStates", true, "TX,OK", false, 4},
+                         {"TinyOverAnOlderCut", true, "OK", true, 5}};
+
+struct Ended {
+  int signal = 0;
+  int status = 0;
+};
+
+builder::Model modelOf(const Cut& cut) {
+  if (cut.tiny) return builder::makeModel(builder::tinyPlaces(), builder::tinyOptions());
+  builder::ProfileOptions options;
+  options.rangeBytes = std::uint64_t{300} << 10;
+  options.streets = 12;
+  options.firms = 3;
+  options.severalCitiesEvery = 2;
+  return builder::makeModel({{10001, "NY", "NEW YORK", "NEW YORK"},
+                             {73008, "OK", "BETHANY", "OKLAHOMA"},
+                             {75201, "TX", "DALLAS", "DALLAS"},
+                             {75203, "TX", "DALLAS", "DALLAS"},
+                             {78701, "TX", "AUSTIN", "TRAVIS"}},
+                            options);
+}
+
+class CutKills : public testing::TestWithParam<std::tuple<int, int>> {
+ protected:
+  CutKills() : cut_(kCuts[std::get<0>(GetParam())]), signal_(std::get<1>(GetParam())) {
+    const builder::Model model = modelOf(cut_);
+    ref_ = builder::referenceFile(model).bytes;
+    rng_ = builder::rangeFile(model.range);
+    writeWholeFile(folder_.file("city.dir"), ref_);
+    writeWholeFile(folder_.file("zip4us.dir"), rng_);
+    writeStates(cut_.states);
+  }
+
+  void writeStates(const std::string& list) const {
+    std::string lines = list + ",";
+    std::replace(lines.begin(), lines.end(), ',', '\n');
+    writeWholeFile(folder_.file("states"), {lines.begin(), lines.end()});
+  }
+
+  [[noreturn]] void become(std::uint32_t n, KillMoment moment) const {
+    const int null = ::open("/dev/null", O_RDWR);
+    ::dup2(null, STDOUT_FILENO);
+    ::dup2(null, STDERR_FILENO);
+    ::setenv("SOURCE_DATE_EPOCH", "1767225600", 1);
+    std::vector<std::string> words = {"statecut",
+                                      "-s" + folder_.file("states"),
+                                      "-l" + folder_.file("log"),
+                                      "-f" + folder_.file("city.dir"),
+                                      "-g" + folder_.file("zip4us.dir"),
+                                      "-o" + folder_.file("city.sc"),
+                                      "-z" + folder_.file("zip4us.sc"),
+                                      "-v" + std::to_string(cut_.level)};
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    armKill(n, moment, signal_);
+    std::exit(runMain(static_cast<int>(words.size()), arguments.data()) & 0xFF);
+  }
+
+  // n = 0: to its end.
+  Ended run(std::uint32_t n, KillMoment moment) const {
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) become(n, moment);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    Ended ended;
+    if (WIFSIGNALED(status)) ended.signal = WTERMSIG(status);
+    if (WIFEXITED(status)) ended.status = WEXITSTATUS(status);
+    return ended;
+  }
+
+  void removeOutputs() const {
+    for (const char* name : {"log", "city.sc", "zip4us.sc"}) ::unlink(folder_.file(name).c_str());
+  }
+
+  // What stands where the outputs go before a run.
+  void prepare() {
+    removeOutputs();
+    if (!cut_.overOlder) return;
+    writeWholeFile(folder_.file("city.sc"), olderRef_);
+    writeWholeFile(folder_.file("zip4us.sc"), olderRng_);
+  }
+
+  void makeOlder() {
+    if (!cut_.overOlder) return;
+    writeStates("NY,OK,TX");
+    removeOutputs();
+    ASSERT_EQ(run(0, KillMoment::kBefore).status, 0);
+    olderRef_ = *readWholeFile(folder_.file("city.sc"));
+    olderRng_ = *readWholeFile(folder_.file("zip4us.sc"));
+    writeStates(cut_.states);
+  }
+
+  [[nodiscard]] Verdict verdict() const {
+    verify::Options options;
+    options.ref = folder_.file("city.sc");
+    options.rng = folder_.file("zip4us.sc");
+    options.sourceRef = folder_.file("city.dir");
+    options.sourceRng = folder_.file("zip4us.dir");
+    options.states = cut_.states;
+    return verdictOf(options);
+  }
+
+  void expectReported() const {
+    EXPECT_EQ(readWholeFile(folder_.file("city.dir")), ref_);
+    EXPECT_EQ(readWholeFile(folder_.file("zip4us.dir")), rng_);
+    const bool complete = readWholeFile(folder_.file("city.sc")) == rightRef_ &&
+                          readWholeFile(folder_.file("zip4us.sc")) == rightRng_;
+    const Verdict told = verdict();
+    if (complete) {
+      EXPECT_EQ(told.status, 0) << told.text;
+    } else {
+      EXPECT_NE(told.status, 0) << "verify is silent on an incomplete pair";
+      EXPECT_NE(told.text, "");
+    }
+  }
+
+  TempDir folder_;
+  const Cut& cut_;
+  int signal_;
+  FileBytes ref_, rng_, olderRef_, olderRng_;
+  std::optional<FileBytes> rightRef_, rightRng_;
+};
+
+TEST_P(CutKills, LeaveTheInputsAndAPairThatVerifyReports) {
+  if (!longRun() && (cut_.tiny || signal_ == SIGTERM)) return;
+  makeOlder();
+  prepare();
+  ASSERT_EQ(run(0, KillMoment::kBefore).status, 0);
+  const std::uint32_t writes = writesSeen();
+  ASSERT_GT(writes, 10U);
+  rightRef_ = readWholeFile(folder_.file("city.sc"));
+  rightRng_ = readWholeFile(folder_.file("zip4us.sc"));
+  ASSERT_EQ(verdict().status, 0) << verdict().text;
+  std::uint64_t kills = 0;
+  for (std::uint32_t n = 1; n <= writes && !HasFailure(); n += longRun() ? 1 : 1 + n / 2) {
+    for (const KillMoment moment :
+         {KillMoment::kBefore, KillMoment::kHalfway, KillMoment::kAfter}) {
+      SCOPED_TRACE("write " + std::to_string(n) + " of " + std::to_string(writes) + ", moment " +
+                   std::to_string(static_cast<int>(moment)));
+      prepare();
+      EXPECT_EQ(run(n, moment).signal, signal_);
+      expectReported();
+      ++kills;
+    }
+  }
+  addCount("kills", kills);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, CutKills,
+                         testing::Combine(testing::Range(0, static_cast<int>(std::size(kCuts))),
+                                          testing::Values(SIGKILL, SIGTERM)),
+                         [](const auto& info) {
+                           return std::string(kCuts[std::get<0>(info.param)].name) + "_" +
+                                  signalName(std::get<1>(info.param));
+                         });
+
+}  // namespace
+}  // namespace statecut::test
