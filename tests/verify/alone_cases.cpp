@@ -78,6 +78,38 @@ void swapPobSizes(PairBytes& pair) {
   std::swap_ranges(sizes, sizes + 6, sizes + 6);
 }
 
+// Six slots of 7 bytes become seven overflow entries of 6.
+void giveSlotsToOverflow(PairBytes& pair) {
+  pair.setWord(R::hashTableCount.at, pair.word(R::hashTableCount.at) - 6);
+  pair.setWord(R::hashOverflowRba.at, pair.word(R::hashOverflowRba.at) - 42);
+  pair.setWord(R::hashOverflowCount.at, pair.word(R::hashOverflowCount.at) + 7);
+}
+
+// The second and the third table in each other's place.
+void swapPatterns(PairBytes& pair) {
+  const std::uint32_t begin = pair.word(R::pobPatternsRba.at);
+  const std::uint32_t middle = pair.word(R::rrPatternsRba.at);
+  const std::uint32_t rrBytes = 18 * pair.word(R::rrPatternsCount.at);
+  unsigned char* file = pair.ref.data();
+  std::rotate(file + begin, file + middle, file + middle + rrBytes);
+  pair.setWord(R::rrPatternsRba.at, begin);
+  pair.setWord(R::pobPatternsRba.at, begin + rrBytes);
+}
+
+// The first list without its last entry, which belongs to no list then.
+void shortenList(PairBytes& pair) {
+  unsigned char* list = pair.table(R::streetPhoneticAmbDataRba.at);
+  le::put<2>(list, le::get<2>(list) - 1U);
+}
+
+// The first city for which `is` holds.
+template <typename Is>
+CityDataRow& cityWith(PairBytes& pair, Is&& is) {
+  std::size_t i = 1;
+  while (!is(row<CityDataRow>(pair, R::cityDataRba.at, i))) ++i;
+  return row<CityDataRow>(pair, R::cityDataRba.at, i);
+}
+
 // The first partition with bytes, one byte on: its last byte is then another's first.
 void moveFirstPartition(PairBytes& pair) {
   std::size_t i = 1;
@@ -90,6 +122,7 @@ std::vector<Case> fileCases() {
   return {
       {RuleId::FileShort, {}, [](PairBytes& p) { p.ref.resize(R::size - 1); }},
       {RuleId::TypeFlags, {}, [](PairBytes& p) { p.setWord(R::typeFlags.at, kTypeRange); }},
+      {RuleId::HeaderForm, {}, [](PairBytes& p) { p.rng[G::endianType.at] = 0; }},
       {RuleId::StampBuild, {}, [](PairBytes& p) { p.rng[G::buildTimeStamp.at] ^= 1; }},
       {RuleId::StampCut, {}, [](PairBytes& p) { setRangeWord(p, G::stateCutTimeStamp.at, 5); }},
       {RuleId::TableBounds,
@@ -100,6 +133,8 @@ std::vector<Case> fileCases() {
       {RuleId::TableOverlap,
        {},
        [](PairBytes& p) { p.setWord(R::countiesRba.at, p.word(R::countiesRba.at) - 1); }},
+      {RuleId::TableFirst, {}, swapPatterns},
+      {RuleId::TableGap, {}, [](PairBytes& p) { p.ref.push_back(0); }},
       {RuleId::RangeAreas,
        {},
        [](PairBytes& p) { setRangeWord(p, G::sfhZipBytes.at, 0x7FFFFFFF); }},
@@ -121,6 +156,11 @@ std::vector<Case> zipCases() {
          std::size_t i = 1;
          while (row<ZipDataRow>(p, R::zipDataRba.at, i).get(ZipDataRow::cityKeysCount) != 1) ++i;
          row<ZipDataRow>(p, R::zipDataRba.at, i).set(ZipDataRow::cityKey, 0xFFFF);
+       }},
+      {RuleId::ZipState,
+       {},
+       [](PairBytes& p) {
+         row<ZipBytesRow>(p, R::zipBytesRba.at, 1).text(ZipBytesRow::state)[0] = 'Z';
        }},
       {RuleId::RangeBounds,
        {},
@@ -144,7 +184,16 @@ std::vector<Case> zipCases() {
          const std::uint32_t key = sfhRecord(p).get(CityMultiZipRow::sfhKey);
          le::put<2>(p.table(R::multiZipListsRba.at) + 2UL * key, 0xFFFF);
        }},
+      {RuleId::MultiZipEntries, [](Model& m) { m.multiZipLists[0] = 1; }, {}},
+      {RuleId::MultiZipOwner,
+       {},
+       [](PairBytes& p) {
+         cityWith(p, [](const CityDataRow& city) {
+           return city.get(CityDataRow::multiZipRbaKey) != 0;
+         }).set(CityDataRow::multiZipRbaKey, 0);
+       }},
       {RuleId::RangeLayout, {}, moveFirstPartition},
+      {RuleId::RangeGap, {}, [](PairBytes& p) { p.rng.push_back(0); }},
       {RuleId::MultiZipBytes,
        {},
        [](PairBytes& p) { le::put<2>(p.table(R::pobMultiZipBytesRba.at), 0); }},
@@ -170,6 +219,19 @@ std::vector<Case> cityCases() {
          const auto& other = row<CityDataRow>(p, R::cityDataRba.at, 2);
          city.set(CityDataRow::nameUsps, other.get(CityDataRow::nameUsps));
        }},
+      {RuleId::CityZips,
+       {},
+       [](PairBytes& p) {
+         auto& city = row<CityDataRow>(p, R::cityDataRba.at, 1);
+         city.set(CityDataRow::zipCount, city.get(CityDataRow::zipCount) + 1U);
+       }},
+      {RuleId::CityFinance,
+       {},
+       [](PairBytes& p) {
+         cityWith(p, [](const CityDataRow& city) {
+           return city.get(CityDataRow::finMultiZipFlag) == 1;
+         }).set(CityDataRow::finMultiZipFlag, 0);
+       }},
       {RuleId::ByStateOrder,
        [](Model& m) { m.byState.emplace(m.cityNames.rbegin(), m.cityNames.rend() - 1); },
        {}},
@@ -189,9 +251,8 @@ std::vector<Case> nameCases() {
   return {
       {RuleId::NamePacking, {}, lengthenLastFirm},
       {RuleId::StreetLinks, [](Model& m) { m.streetPhonetics[0].value = 1; }, {}},
-      {RuleId::HashSize,
-       {},
-       [](PairBytes& p) { p.setWord(R::hashTableCount.at, p.word(R::hashTableCount.at) - 1); }},
+      {RuleId::StreetLists, {}, shortenList},
+      {RuleId::HashSize, {}, giveSlotsToOverflow},
       {RuleId::HashChain,
        {},
        [](PairBytes& p) {

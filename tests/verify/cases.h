@@ -26,6 +26,7 @@ struct Case {
   verify::RuleId rule;
   std::function<void(builder::Model&)> model;  // before the pair is written, or
   std::function<void(PairBytes&)> bytes;       // to its bytes
+  std::vector<verify::RuleId> also = {};       // that no damage to this rule alone can avoid
 };
 
 // Damage to an uncut pair, and to a cut that is compared with its source.

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "cases.h"
 #include "dbfiles/controlrec.h"
 #include "tables/rows.h"
@@ -22,12 +24,40 @@ ZipDataRow& keptRecord(PairBytes& pair) {
   return *reinterpret_cast<ZipDataRow*>(pair.table(R::zipDataRba.at) + key * ZipDataRow::size);
 }
 
-// The same table, once more at the end of the file.
-void moveCounties(PairBytes& pair) {
-  const unsigned char* from = pair.table(R::countiesRba.at);
-  const Bytes copy(from, from + 32UL * pair.word(R::countiesCount.at));
-  pair.setWord(R::countiesRba.at, static_cast<std::uint32_t>(pair.ref.size()));
-  pair.ref.insert(pair.ref.end(), copy.begin(), copy.end());
+// Two neighbours in each other's place.
+void swapCountiesAndUrbs(PairBytes& pair) {
+  unsigned char* counties = pair.table(R::countiesRba.at);
+  unsigned char* urbs = pair.table(R::urbsRba.at);
+  const std::uint32_t urbBytes = 32 * pair.word(R::urbsCount.at);
+  std::rotate(counties, urbs, urbs + urbBytes);
+  const std::uint32_t begin = pair.word(R::countiesRba.at);
+  pair.setWord(R::urbsRba.at, begin);
+  pair.setWord(R::countiesRba.at, begin + urbBytes);
+}
+
+// The place of an area that shares no partition.
+void setUnusedArea(PairBytes& pair) {
+  unsigned char* area = pair.table(R::finMultiZipRbasRba.at) + FinMultiZipRow::size;
+  while (le::get<2>(area + FinMultiZipRow::zipCount.at) != 1) area += FinMultiZipRow::size;
+  le::put<4>(area + FinMultiZipRow::rba.at, 1);
+}
+
+// The value of a name, in both tables that hold it.
+void changeName(PairBytes& pair) {
+  unsigned char* name = pair.table(R::cityNamesRba.at) + CityNameRow::size;
+  unsigned char* byState = pair.table(R::cityNamesByStateRba.at);
+  while (!std::equal(name + CityNameRow::name.at, name + CityNameRow::size,
+                     byState + CityByStateRow::name.at))
+    byState += CityByStateRow::size;
+  name[CityNameRow::value.at] ^= 1;
+  byState[CityByStateRow::value.at] ^= 1;
+}
+
+// A cut fills up with blank records.
+void blankLastByState(PairBytes& pair) {
+  unsigned char* table = pair.table(R::cityNamesByStateRba.at);
+  const std::size_t count = pair.word(R::cityNamesCount.at) - 1;
+  std::fill_n(table + (count - 1) * CityByStateRow::size, CityByStateRow::size, 0);
 }
 
 // An empty hash slot has bytes that no search reads.
@@ -42,7 +72,7 @@ void fillEmptySlot(PairBytes& pair) {
 const std::vector<Case>& cutCases() {
   static const std::vector<Case> cases = {
       {RuleId::CutControl, {}, [](PairBytes& p) { p.ref[R::trailing.at + 7] ^= 1; }},
-      {RuleId::CutLayout, {}, moveCounties},
+      {RuleId::CutLayout, {}, swapCountiesAndUrbs},
       {RuleId::CutTables, {}, [](PairBytes& p) { p.table(R::countiesRba.at)[40] ^= 1; }},
       {RuleId::CutRangeControl,
        {},
@@ -65,14 +95,10 @@ const std::vector<Case>& cutCases() {
        [](PairBytes& p) {
          p.table(R::cityMultiZipRbasRba.at)[28 + CityMultiZipRow::reserved2.at] ^= 1;
        }},
-      {RuleId::CutFinance, {}, [](PairBytes& p) { p.table(R::finMultiZipRbasRba.at)[0] ^= 1; }},
+      {RuleId::CutFinance, {}, setUnusedArea},
       {RuleId::CutMultiZipPartitions, {}, [](PairBytes& p) { p.rng.back() ^= 1; }},
-      {RuleId::CutNames,
-       {},
-       [](PairBytes& p) { p.table(R::cityNamesRba.at)[34 + CityNameRow::value.at] ^= 1; }},
-      {RuleId::CutByState,
-       {},
-       [](PairBytes& p) { p.table(R::cityNamesByStateRba.at)[CityByStateRow::value.at] ^= 1; }},
+      {RuleId::CutNames, {}, changeName, {RuleId::CutByState}},
+      {RuleId::CutByState, {}, blankLastByState},
       {RuleId::CutPhonetics, {}, [](PairBytes& p) { p.table(R::cityPhoneticsRba.at)[26] ^= 1; }},
       {RuleId::CutHash, {}, fillEmptySlot},
   };

@@ -66,6 +66,12 @@ TEST_F(RuleDetail, PartitionWithASizeHasAnRba) {
   builder::Model model = soundModel();
   model.zips[1].sfhRba = 0;
   model.zipBytes[1].sfh = 0;
+  auto& partitions = model.range.partitions;
+  partitions.erase(std::remove_if(partitions.begin(), partitions.end(),
+                                  [](const builder::Partition& one) {
+                                    return one.section == builder::Section::SfhZip && one.key == 1;
+                                  }),
+                   partitions.end());
   fixture.write("pair", bytesOf(model));
   ASSERT_EQ(trippedRules(fixture.options("pair")), Ids{});
   model.zipBytes[1].sfh = 100;
@@ -91,6 +97,11 @@ TEST_F(RuleDetail, RecordsOfOneMultiZipKeyShareItsPartition) {
                                  });
   ASSERT_NE(used, model.cityMultiZip.end());
   model.cityMultiZip.back().sfh = used->sfh;
+  const auto owner =
+      std::find_if(model.cityData.begin() + 1, model.cityData.end(),
+                   [](const builder::CityData& city) { return city.multiZipRbaKey == 0; });
+  ASSERT_NE(owner, model.cityData.end());
+  owner->multiZipRbaKey = static_cast<std::uint16_t>(model.cityMultiZip.size() - 1);
   fixture.write("pair", bytesOf(model));
   ASSERT_EQ(trippedRules(fixture.options("pair")), Ids{});
   PairBytes damaged = bytesOf(model);
@@ -108,7 +119,7 @@ TEST_F(RuleDetail, CountsOfPackedNamesAreChecked) {
     PairBytes damaged = bytesOf(soundModel());
     damaged.setWord(at, damaged.word(at) - 1);
     fixture.write("damaged", damaged);
-    EXPECT_EQ(trippedRules(fixture.options("damaged")), Ids{"name.packing"}) << at;
+    EXPECT_EQ(trippedRules(fixture.options("damaged")).count("name.packing"), 1U) << at;
   }
 }
 

@@ -173,6 +173,52 @@ TEST_F(Verdict, JsonIsOneDocument) {
   EXPECT_TRUE(document["findings"][0]["record"].is_null());
 }
 
+TEST_F(Verdict, IgnoredRuleMakesNoFindingAndIsCounted) {
+  PairBytes damaged = bytesOf(soundModel());
+  damaged.rng[20] ^= 1;
+  damaged.ref.push_back(0);
+  fixture.write("source", damaged);
+  verify::Options options = fixture.options("source");
+  EXPECT_EQ(trippedRules(options), (Ids{"stamp.build", "table.gap"}));
+  options.ignored = {"table.gap"};
+  EXPECT_EQ(trippedRules(options), Ids{"stamp.build"});
+  options.ignored = {"table.gap", "stamp.build", "table.gap"};
+  EXPECT_EQ(run(options), 0);
+  EXPECT_NE(out.str().find("nothing wrong\nstamp.build: ignored, 1 in all\n"), std::string::npos);
+}
+
+// What a rule goes by another one's count for is not checked, ignored or not.
+TEST_F(Verdict, IgnoredRuleStillKeepsItsConsequencesOut) {
+  builder::Model model = soundModel();
+  std::reverse(model.cityNames.begin() + 1, model.cityNames.end());
+  fixture.write("source", bytesOf(model));
+  verify::Options options = fixture.options("source");
+  const Ids before = trippedRules(options);
+  ASSERT_EQ(before.count("city.order"), 1U);
+  options.ignored = {"city.order"};
+  Ids after = trippedRules(options);
+  after.insert("city.order");
+  EXPECT_EQ(after, before);
+}
+
+TEST_F(Verdict, UnknownRuleCannotBeIgnored) {
+  verify::Options options = fixture.options("source");
+  options.ignored = {"table.gap"};
+  EXPECT_EQ(run(options), 0);
+  options.ignored = {"table.gap", "no.rule"};
+  EXPECT_EQ(run(options), 2);
+  EXPECT_NE(err.str().find("no.rule"), std::string::npos);
+}
+
+TEST_F(Verdict, FilesThatAreNoPairCannotRunWithTheirRuleIgnored) {
+  verify::Options options = fixture.options("source");
+  options.ignored = {"file.short", "type.flags"};
+  EXPECT_EQ(run(options), 0);
+  std::swap(options.ref, options.rng);
+  EXPECT_EQ(run(options), 2);
+  EXPECT_EQ(out.str(), "");
+}
+
 TEST_F(Verdict, CommandLineNeedsSourceAndStatesTogether) {
   const verify::Options options = fixture.options("source");
   Command command;

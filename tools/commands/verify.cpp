@@ -14,6 +14,13 @@ void addVerifyCommand(CLI::App& app, int& status) {
   command->add_flag("--json", options->json, "One JSON document");
   command->add_option("--ref", options->ref, "Reference file")->required();
   command->add_option("--rng", options->rng, "Range file")->required();
+  command
+      ->add_option("--ignore", options->ignored,
+                   "A rule to leave out, as often as wanted: table.gap")
+      ->allow_extra_args(false)
+      ->check([](const std::string& id) {
+        return verify::ruleNamed(id) ? std::string() : "no such rule: " + id;
+      });
   auto* sourceRef =
       command->add_option("--source-ref", options->sourceRef, "Reference file that was cut");
   auto* sourceRng =

@@ -20,6 +20,14 @@ std::vector<const Finding*> byRule(const Report& report) {
   return sorted;
 }
 
+// The ignored rules that were broken.
+template <typename Visit>
+void forEachIgnored(const Report& report, Visit&& visit) {
+  for (std::size_t i = 0; i < kRules; ++i)
+    if (const auto id = static_cast<RuleId>(i); report.ignored(id) && report.count(id) > 0)
+      visit(rule(id), report.count(id));
+}
+
 }  // namespace
 
 bool Report::clean() const { return findings_.empty(); }
@@ -30,10 +38,7 @@ void Report::keep(RuleId rule, File file, std::int64_t record, std::uint64_t off
 }
 
 void printText(std::ostream& out, const Report& report, const FileNames& names) {
-  if (report.clean()) {
-    out << names.reference << ", " << names.range << ": nothing wrong\n";
-    return;
-  }
+  if (report.clean()) out << names.reference << ", " << names.range << ": nothing wrong\n";
   const auto sorted = byRule(report);
   for (std::size_t i = 0; i < sorted.size(); ++i) {
     const Finding& finding = *sorted[i];
@@ -46,6 +51,9 @@ void printText(std::ostream& out, const Report& report, const FileNames& names) 
       out << rule(finding.rule).id << ": " << count - Report::kKeptPerRule << " more, " << count
           << " in all\n";
   }
+  forEachIgnored(report, [&](const Rule& one, std::uint64_t count) {
+    out << one.id << ": ignored, " << count << " in all\n";
+  });
 }
 
 void printJson(std::ostream& out, const Report& report, const FileNames& names) {
@@ -54,6 +62,7 @@ void printJson(std::ostream& out, const Report& report, const FileNames& names) 
                            {"reference", names.reference},
                            {"range", names.range},
                            {"counts", ordered_json::object()},
+                           {"ignored", ordered_json::object()},
                            {"findings", ordered_json::array()}};
   for (const Finding* finding : byRule(report)) {
     document["counts"][rule(finding->rule).id] = report.count(finding->rule);
@@ -65,6 +74,8 @@ void printJson(std::ostream& out, const Report& report, const FileNames& names) 
     if (finding->record != kNoRecord) one["record"] = finding->record;
     document["findings"].push_back(std::move(one));
   }
+  forEachIgnored(
+      report, [&](const Rule& one, std::uint64_t count) { document["ignored"][one.id] = count; });
   // File names may hold any bytes.
   out << document.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
 }

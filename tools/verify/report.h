@@ -37,15 +37,22 @@ class Report {
     if (countOne(rule)) keep(rule, file, record, offset, make());
   }
 
+  // The rule's findings are counted, for the rules that go by its count, and not kept.
+  void ignore(RuleId rule) { ignored_[static_cast<std::size_t>(rule)] = true; }
+  bool ignored(RuleId rule) const { return ignored_[static_cast<std::size_t>(rule)]; }
+
   std::uint64_t count(RuleId rule) const { return counts_[static_cast<std::size_t>(rule)]; }
   bool clean() const;
   const std::vector<Finding>& findings() const { return findings_; }
 
  private:
-  bool countOne(RuleId rule) { return counts_[static_cast<std::size_t>(rule)]++ < kKeptPerRule; }
+  bool countOne(RuleId rule) {
+    return counts_[static_cast<std::size_t>(rule)]++ < kKeptPerRule && !ignored(rule);
+  }
   void keep(RuleId rule, File file, std::int64_t record, std::uint64_t offset, std::string text);
 
   std::array<std::uint64_t, kRules> counts_ = {};
+  std::array<bool, kRules> ignored_ = {};
   std::vector<Finding> findings_;
 };
 
@@ -54,7 +61,8 @@ struct FileNames {
   std::string range;
 };
 
-// One line per finding, by rule; then a line for those of a rule that were not kept.
+// One line per finding, by rule; then a line for those of a rule that were not kept; last a line
+// for each ignored rule that would have found something.
 void printText(std::ostream& out, const Report& report, const FileNames& names);
 void printJson(std::ostream& out, const Report& report, const FileNames& names);
 

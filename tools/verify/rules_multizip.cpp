@@ -45,26 +45,12 @@ class MultiZipRules {
   }
 
   void checkRecords() {
-    const auto cities = pair_.records<M>(TableId::CityMultiZipRbas);
-    for (std::size_t i = 1; i < cities.size(); ++i) {
-      checkEntry(
-          {TableId::SfhMultiZipBytes, MultiZipForm::Long, "SFH"},
-          {cities[i].get(M::sfhZipCount), cities[i].get(M::sfhKey), cities[i].get(M::sfhRba)}, i,
-          cities.offset(i));
-      checkEntry(
-          {TableId::PobMultiZipBytes, MultiZipForm::Short, "POB"},
-          {cities[i].get(M::pobZipCount), cities[i].get(M::pobKey), cities[i].get(M::pobRba)}, i,
-          cities.offset(i) + M::pobZipCount.at);
-      checkEntry({TableId::RrMultiZipBytes, MultiZipForm::Short, "RR"},
-                 {cities[i].get(M::rrZipCount), cities[i].get(M::rrKey), cities[i].get(M::rrRba)},
-                 i, cities.offset(i) + M::rrZipCount.at);
-    }
-    const auto areas = pair_.records<FinMultiZipRow>(TableId::FinMultiZipRbas);
-    for (std::size_t i = 1; i < areas.size(); ++i)
-      checkEntry({TableId::SfhMultiZipBytes, MultiZipForm::Short, "finance"},
-                 {areas[i].get(FinMultiZipRow::zipCount), areas[i].get(FinMultiZipRow::key),
-                  areas[i].get(FinMultiZipRow::rba)},
-                 i, areas.offset(i));
+    forEachEntry([this](const Kind& kind, const Entry& entry, std::size_t i, std::uint64_t offset) {
+      checkEntry(kind, entry, i, offset);
+    });
+    forEachEntry([this](const Kind& kind, const Entry& entry, std::size_t i, std::uint64_t offset) {
+      checkUnlisted(kind, entry, i, offset);
+    });
   }
 
  private:
@@ -78,6 +64,38 @@ class MultiZipRules {
     std::uint32_t key;
     std::uint32_t rba;
   };
+
+  struct Place {
+    std::uint32_t rba;
+    std::int32_t bytes;
+    bool operator==(const Place&) const = default;
+  };
+  static std::string nameOf(const Place& place) {
+    return std::to_string(place.rba) + " with " + std::to_string(place.bytes) + " bytes";
+  }
+
+  template <typename Visit>
+  void forEachEntry(Visit&& visit) const {
+    constexpr Kind kSfh = {TableId::SfhMultiZipBytes, MultiZipForm::Long, "SFH"};
+    constexpr Kind kPob = {TableId::PobMultiZipBytes, MultiZipForm::Short, "POB"};
+    constexpr Kind kRr = {TableId::RrMultiZipBytes, MultiZipForm::Short, "RR"};
+    constexpr Kind kFinance = {TableId::SfhMultiZipBytes, MultiZipForm::Short, "finance"};
+    using F = FinMultiZipRow;
+    const auto cities = pair_.records<M>(TableId::CityMultiZipRbas);
+    for (std::size_t i = 1; i < cities.size(); ++i) {
+      const M& city = cities[i];
+      const std::uint64_t at = cities.offset(i);
+      visit(kSfh, {city.get(M::sfhZipCount), city.get(M::sfhKey), city.get(M::sfhRba)}, i, at);
+      visit(kPob, {city.get(M::pobZipCount), city.get(M::pobKey), city.get(M::pobRba)}, i,
+            at + M::pobZipCount.at);
+      visit(kRr, {city.get(M::rrZipCount), city.get(M::rrKey), city.get(M::rrRba)}, i,
+            at + M::rrZipCount.at);
+    }
+    const auto areas = pair_.records<F>(TableId::FinMultiZipRbas);
+    for (std::size_t i = 1; i < areas.size(); ++i)
+      visit(kFinance, {areas[i].get(F::zipCount), areas[i].get(F::key), areas[i].get(F::rba)}, i,
+            areas.offset(i));
+  }
 
   static std::size_t indexOf(TableId sizes) {
     return static_cast<std::size_t>(sizes) - static_cast<std::size_t>(TableId::SfhMultiZipBytes);
@@ -119,17 +137,33 @@ class MultiZipRules {
                ", the range file has " + std::to_string(pair_.rngBytes().size());
       });
     else
-      checkShared(kind, entry, record, offset, label);
+      checkShared(kind, entry, *bytes, record, offset, label);
   }
 
-  // All records of a key share one partition.
-  void checkShared(const Kind& kind, const Entry& entry, std::int64_t record, std::uint64_t offset,
-                   const std::string& label) {
-    const auto [other, first] = rbas_[indexOf(kind.sizes)].emplace(entry.key, entry.rba);
-    if (!first && other->second != entry.rba)
-      report_.add(RuleId::MultiZipKey, File::Reference, record, offset,
-                  label + " at " + std::to_string(entry.rba) + ", another record has it at " +
-                      std::to_string(other->second));
+  // What has the key or the partition of a list is an entry itself, or no cut takes it along.
+  void checkUnlisted(const Kind& kind, const Entry& entry, std::size_t i, std::uint64_t offset) {
+    const auto& known = places_[indexOf(kind.sizes)];
+    const auto listed = known.find(entry.key);
+    if (listed == known.end()) return;
+    const bool noPartition = entry.zipCount >= 2 && entry.rba == 0;
+    const bool noList = entry.zipCount < 2 && entry.rba == listed->second.rba;
+    if (!noPartition && !noList) return;
+    report_.add(RuleId::MultiZipKey, File::Reference, static_cast<std::int64_t>(i), offset, [&] {
+      return std::string(kind.name) + " multi-ZIP key " + std::to_string(entry.key) + " at " +
+             std::to_string(entry.rba) + " with " + std::to_string(entry.zipCount) +
+             " ZIP codes, another record has its list and partition";
+    });
+  }
+
+  // All records of a key share one partition, of one size whatever the form that finds it.
+  void checkShared(const Kind& kind, const Entry& entry, std::int32_t bytes, std::int64_t record,
+                   std::uint64_t offset, const std::string& label) {
+    const Place place = {entry.rba, bytes};
+    const Place other = places_[indexOf(kind.sizes)].emplace(entry.key, place).first->second;
+    if (other == place) return;
+    report_.add(RuleId::MultiZipKey, File::Reference, record, offset, [&] {
+      return label + " at " + nameOf(place) + ", another record has it at " + nameOf(other);
+    });
   }
 
   // The key is where the list of the ZIP codes begins.
@@ -151,8 +185,8 @@ class MultiZipRules {
 
   const Pair& pair_;
   Report& report_;
-  std::map<std::uint32_t, std::uint32_t> rbas_[3];  // by key: SFH, POB, RR
-  bool unsorted_[3] = {};                           // SFH, POB, RR
+  std::map<std::uint32_t, Place> places_[3];  // by key: SFH, POB, RR
+  bool unsorted_[3] = {};                     // SFH, POB, RR
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "tables/rows.h"
 #include "verify/alone.h"
 #include "verify/multizipsizes.h"
+#include "verify/tiling.h"
 
 namespace statecut::verify {
 
@@ -26,6 +27,7 @@ class RangeLayout {
   void beginArea(StartField start, BytesField bytes) {
     areaBegin_ = pair_.rng().get(start);
     areaEnd_ = areaBegin_ + pair_.rng().get(bytes);
+    areas_.push_back({areaBegin_, areaEnd_});
   }
 
   template <typename RbaField, typename BytesField>
@@ -59,6 +61,34 @@ class RangeLayout {
         report(piece, [&] { return " begins inside that of " + nameOf(*reach); });
       if (reach == nullptr || piece.rba + piece.bytes > reach->rba + reach->bytes) reach = &piece;
     }
+  }
+
+  // Where no partition stands, and where no area does. The first area may begin anywhere.
+  void checkGaps() {
+    const auto reportGap = [&](const char* what, std::uint64_t begin, std::uint64_t end) {
+      report_.add(RuleId::RangeGap, File::Range, kNoRecord, begin,
+                  [&] { return std::to_string(end - begin) + " bytes belong to no " + what; });
+    };
+    Tiling areas;
+    Tiling pieces;
+    std::uint64_t first = pair_.rngBytes().size();
+    for (const Area& area : areas_) {
+      if (area.begin == area.end) continue;
+      first = std::min(first, area.begin);
+      areas.add(area.begin, area.end, 0);
+    }
+    const auto none = [](const Tiling::Piece&) {};
+    const auto areaOverlap = [&](const Tiling::Piece& area) {
+      report_.add(RuleId::RangeGap, File::Range, kNoRecord, area.begin,
+                  "an area begins inside another one");
+    };
+    areas.check(first, pair_.rngBytes().size(), areaOverlap,
+                [&](std::uint64_t begin, std::uint64_t end) { reportGap("area", begin, end); });
+    if (report_.count(RuleId::RangeGap) > 0) return;
+    for (const Piece& piece : pieces_) pieces.add(piece.rba, piece.rba + piece.bytes, 0);
+    pieces.check(first, pair_.rngBytes().size(), none, [&](std::uint64_t begin, std::uint64_t end) {
+      reportGap("partition", begin, end);
+    });
   }
 
  private:
@@ -100,7 +130,12 @@ class RangeLayout {
   Report& report_;
   std::uint64_t areaBegin_ = 0;
   std::uint64_t areaEnd_ = 0;
+  struct Area {
+    std::uint64_t begin;
+    std::uint64_t end;
+  };
   std::vector<Piece> pieces_;
+  std::vector<Area> areas_;
 };
 
 }  // namespace
@@ -130,6 +165,12 @@ void checkRangeLayout(const Pair& pair, Report& report) {
   layout.addMultiZips<M>("RR multi-ZIP", TableId::CityMultiZipRbas, TableId::RrMultiZipBytes,
                          MultiZipForm::Short, M::rrZipCount, M::rrKey, M::rrRba);
   layout.checkOverlap();
+  // A link to a wrong place leaves its own place untold.
+  for (const RuleId id :
+       {RuleId::RangeBounds, RuleId::RangeLayout, RuleId::TableBounds, RuleId::MultiZipLink,
+        RuleId::MultiZipKey, RuleId::MultiZipLists, RuleId::MultiZipBytes, RuleId::MultiZipBounds})
+    if (report.count(id) > 0) return;
+  layout.checkGaps();
 }
 
 }  // namespace statecut::verify

@@ -12,20 +12,26 @@ namespace {
 char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 void checkAlone(const Pair& pair, Report& report) {
+  checkForm(pair, report);
   checkStamps(pair, report);
   checkTables(pair, report);
+  checkTableLayout(pair, report);
   checkRangeAreas(pair, report);
   checkZipIndex(pair, report);
   checkZipRecords(pair, report);
   checkZipPartitions(pair, report);
   checkCityNames(pair, report);
   checkCityLinks(pair, report);
+  checkCityFinance(pair, report);
+  checkCityZips(pair, report);
   checkCitiesByState(pair, report);
   checkCityPhonetics(pair, report);
   checkNamePacking(pair, report);
   checkStreetLinks(pair, report);
+  checkStreetLists(pair, report);
   checkHash(pair, report);
   checkMultiZip(pair, report);
+  checkMultiZipLists(pair, report);
   checkRangeLayout(pair, report);
 }
 
@@ -65,6 +71,13 @@ std::optional<std::vector<std::string>> parseStates(const std::string& list) {
 
 Report check(const Options& options, std::string& error) {
   Report report;
+  for (const std::string& id : options.ignored) {
+    if (const auto one = ruleNamed(id))
+      report.ignore(*one);
+    else
+      error = "no such rule: " + id;
+  }
+  if (!error.empty()) return report;
   const Pair pair = Pair::open(options.ref, options.rng, error);
   if (!error.empty()) return report;
   Pair source;
@@ -79,7 +92,10 @@ Report check(const Options& options, std::string& error) {
       return report;
     }
   }
-  if (!checkTypes(pair, report)) return report;
+  if (!checkTypes(pair, report)) {
+    if (report.clean()) error = "nothing can be checked of files that are no database pair";
+    return report;
+  }
   checkAlone(pair, report);
   if (states) checkCut(pair, source, *states, report);
   return report;

@@ -17,6 +17,7 @@ struct Options {
   std::string sourceRef;
   std::string sourceRng;
   std::string states;
+  std::vector<std::string> ignored;  // ids of rules that make no findings
   bool json = false;
 
   bool withSource() const { return !sourceRef.empty() || !sourceRng.empty() || !states.empty(); }

@@ -1,0 +1,89 @@
+#pragma once
+// The four programs on one pair, run inside this process: what each of them does is kept and
+// compared, and each must end by itself in bounded time.
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "damages.h"
+
+namespace statecut::test {
+
+struct PairFiles {
+  std::string folder;
+  std::string name;
+
+  [[nodiscard]] std::string ref() const { return folder + "/" + name + ".ref"; }
+  [[nodiscard]] std::string rng() const { return folder + "/" + name + ".rng"; }
+};
+
+using Query = std::vector<std::string>;  // OP ARG...
+
+// Every operation, on every key and name of the pair and on some that it does not have; or one
+// call each.
+enum class Queries : std::uint8_t { kAll, kOneEach };
+std::vector<Query> queriesOf(const PairImage& pair, Queries which);
+
+enum class Program : std::uint8_t { kCut, kVerify, kInfo, kIn, kFirst, kOff, kCached, kCount_ };
+inline constexpr std::size_t kPrograms = static_cast<std::size_t>(Program::kCount_);
+const char* nameOf(Program program);
+inline constexpr std::uint8_t kAllPrograms = 0xFF;
+constexpr std::uint8_t bitOf(Program program) {
+  return static_cast<std::uint8_t>(1U << static_cast<unsigned>(program));
+}
+
+// What a user of the pair gets.
+struct Behaviour {
+  int cutStatus = 0;
+  std::string cutRef;
+  std::string cutRng;
+  std::array<std::string, 4> answers;  // by variant: in, first, off, cached
+
+  // "" when both are the same, else what differs.
+  [[nodiscard]] std::string difference(const Behaviour& other) const;
+};
+
+struct Verdict {
+  int status = 0;
+  std::string text;
+};
+
+class Programs {
+ public:
+  // `source` is empty, or the pair that the files were cut from.
+  Programs(PairFiles files, PairFiles source, std::vector<Query> queries);
+
+  // Runs those whose bits are set; `onStart(program)` is told before each. A program that takes
+  // more processor time is named in `tooLong`.
+  template <typename OnStart>
+  void run(std::uint8_t which, double mostSeconds, OnStart&& onStart) {
+    tooLong.clear();
+    for (std::size_t i = 0; i < kPrograms; ++i) {
+      const auto program = static_cast<Program>(i);
+      if ((which & bitOf(program)) == 0) continue;
+      onStart(program);
+      runOne(program, mostSeconds);
+    }
+  }
+
+  Behaviour behaviour;
+  Verdict alone;
+  Verdict withSource;
+  std::string tooLong;
+
+ private:
+  void runOne(Program program, double mostSeconds);
+  void cut();
+  void verify();
+  void info();
+  void query(Program program);
+
+  PairFiles files_;
+  PairFiles source_;
+  std::vector<Query> queries_;
+  bool json_ = false;
+};
+
+}  // namespace statecut::test
