@@ -46,7 +46,10 @@ std::size_t streamWrite(Stream* stream, const void* from, std::size_t count) {
       done += put;
       break;
     }
-    if (stream->pending == kBufferBytes && streamFlush(stream) != 0) break;
+    if (stream->pending == kBufferBytes) {
+      if (streamFlush(stream) != 0) break;
+      continue;
+    }
     const std::size_t part = std::min(count - done, kBufferBytes - stream->pending);
     std::memcpy(stream->buffer.get() + stream->pending, in + done, part);
     stream->pending += part;
