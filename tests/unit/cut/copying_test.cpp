@@ -3,6 +3,7 @@
 #include "cut/blockcopy.h"
 #include "cut/guards.h"
 #include "cut/rangecopy.h"
+#include "cut/refcopy.h"
 #include "dbfiles/stream.h"
 #include "unit/cut/cutbench.h"
 
@@ -109,6 +110,24 @@ TEST_F(Copying, FailedReadIsSaidOnStandardOutput) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "Error during read file in copyEntryPoint\nrba = 7, bytes = 50\n");
   EXPECT_TRUE(writtenRange().empty());
+  streamClose(keepsItOpen);
+}
+
+TEST_F(Copying, TableOfASourceThatCannotSeekIsReportedAsUnread) {
+  start(pattern(200, 4));
+  setWord(RefControlRec::cityDataCount, 2);
+  EXPECT_EQ(readCityData4SC1(), 0);
+  keepTables();
+  ASSERT_EQ(std::system(("mkfifo " + path("pipe")).c_str()), 0);
+  Stream* keepsItOpen = streamOpen(path("pipe").c_str(), "a+");
+  streamClose(proc.files->reference);
+  proc.files->reference = streamOpen(path("pipe").c_str(), "rb");
+  log();
+  EXPECT_EQ(readCityData4SC1(), -2);
+  const std::vector<std::string> said = log();
+  ASSERT_EQ(said.size(), 2U) << "the size and the failure";
+  EXPECT_NE(said[1].find("Could not read Reference db partition: City Data"), std::string::npos)
+      << said[1];
   streamClose(keepsItOpen);
 }
 

@@ -250,6 +250,25 @@ TEST_F(RefUpdate, NoPhoneticsStillGiveTheBlankRecord) {
   EXPECT_EQ(scCityPhonetics[0].bytes, CityPhoneticRow{}.bytes);
 }
 
+// Names are renumbered in batches of 32.
+TEST_F(RefUpdate, NamesOfMoreThanABatchAreAllRenumbered) {
+  std::vector<std::string> texts;
+  for (char c = 'A'; c < 'A' + 40; ++c) texts.push_back(std::string("N") + c);
+  std::vector<Name> many = {{"", ""}};
+  for (const std::string& text : texts) many.push_back({"OK", text.c_str()});
+  many.push_back({"TX", "WACO"});
+  keepTables();
+  makeNames(many);
+  makeByState({many.begin() + 1, many.end()});
+  const std::vector<std::uint32_t> linked = {1, 2, 31, 32, 33, 34, 40, 41};
+  for (std::uint32_t i = 0; i < linked.size(); ++i) {
+    const auto& name = names[linked[i]];
+    link(i, kCityNames, name.bytes.data() + 4, name.bytes[3] + 2, linked[i]);
+  }
+  EXPECT_EQ(cut({"TX"}), 0);
+  EXPECT_EQ(numbers(), (Numbers{0, 0, 0, 0, 0, 0, 0, 1}));
+}
+
 TEST_F(RefUpdate, NameMissingFromTheIndexIsNoError) {
   makeTable<HashSlotRow>(kSlotHashTable, 1);  // an empty slot
   EXPECT_EQ(cut({"TX"}), 0);
