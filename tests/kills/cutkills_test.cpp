@@ -156,7 +156,7 @@ TEST_P(CutKills, LeaveTheInputsAndAPairThatVerifyReports) {
   prepare();
   ASSERT_EQ(run(0, KillMoment::kBefore).status, 0);
   const std::uint32_t writes = writesSeen();
-  ASSERT_GT(writes, 10U);
+  ASSERT_GE(writes, 10U);
   rightRef_ = readWholeFile(folder_.file("city.sc"));
   rightRng_ = readWholeFile(folder_.file("zip4us.sc"));
   ASSERT_EQ(verdict().status, 0) << verdict().text;
