@@ -52,8 +52,7 @@ void countMapping(const std::string& line, Traffic& traffic) {
   std::smatch match;
   if (!std::regex_match(line, match, call)) return;
   const std::vector<std::string> paths = pathsIn(match[2]);
-  if (paths.size() == 1)
-    traffic.read[paths[0]] += (std::stoull(match[1]) + page - 1) / page * page;
+  if (paths.size() == 1) traffic.read[paths[0]] += (std::stoull(match[1]) + page - 1) / page * page;
 }
 
 Traffic trace(const Setup& setup, const Cut& cut) {
