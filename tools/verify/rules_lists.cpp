@@ -7,6 +7,7 @@
 #include "tables/rows.h"
 #include "verify/alone.h"
 #include "verify/names.h"
+#include "verify/sharedentries.h"
 #include "verify/tiling.h"
 
 namespace statecut::verify {
@@ -14,7 +15,6 @@ namespace statecut::verify {
 namespace {
 
 using M = CityMultiZipRow;
-using F = FinMultiZipRow;
 
 // The lists of ZIP keys of the multi-ZIP records, as positions in their table. An entry of RBA 0 is
 // none of a cut, but may have a list.
@@ -26,23 +26,12 @@ struct MultiZipLists {
 MultiZipLists multiZipLists(const Pair& pair) {
   MultiZipLists lists;
   const std::uint64_t end = pair.place(TableId::MultiZipLists).count;
-  const auto add = [&](std::uint64_t count, std::uint64_t key, std::uint32_t rba,
-                       std::uint64_t offset) {
-    if (count < 2) return;
-    lists.all.add(key, std::min(key + count, end), offset);
-    if (rba != 0) lists.inUse.add(key, key + count, offset);
-  };
-  const auto cities = pair.records<M>(TableId::CityMultiZipRbas);
-  for (std::size_t i = 1; i < cities.size(); ++i) {
-    const M& city = cities[i];
-    const std::uint64_t at = cities.offset(i);
-    add(city.get(M::sfhZipCount), city.get(M::sfhKey), city.get(M::sfhRba), at);
-    add(city.get(M::pobZipCount), city.get(M::pobKey), city.get(M::pobRba), at + M::pobZipCount.at);
-    add(city.get(M::rrZipCount), city.get(M::rrKey), city.get(M::rrRba), at + M::rrZipCount.at);
-  }
-  const auto areas = pair.records<F>(TableId::FinMultiZipRbas);
-  for (std::size_t i = 1; i < areas.size(); ++i)
-    add(areas[i].get(F::zipCount), areas[i].get(F::key), areas[i].get(F::rba), areas.offset(i));
+  forEachSharedEntry(pair, [&](const SharedEntry& entry) {
+    if (entry.zipCount < 2) return;
+    const std::uint64_t behind = std::uint64_t{entry.key} + entry.zipCount;
+    lists.all.add(entry.key, std::min(behind, end), entry.offset);
+    if (entry.rba != 0) lists.inUse.add(entry.key, behind, entry.offset);
+  });
   return lists;
 }
 
