@@ -303,8 +303,7 @@ std::int32_t runUtility(int argc, const char* const* argv) {
     // The tables that a cut keeps until the process ends.
     for (const SlotNumber slot : {kSlotHashTable, kSlotHashOverflow, kSlotMilitary, kSlotPobZones})
       releaseIfLive(refPointers[slot].table);
-    if (liveBlocks() != 0) finding("a finished run leaves memory behind");
-    if (diskOpenFiles(nullptr) != 0) finding("a finished run leaves a file open");
+    expectNothingLeft("a finished run");
   }
   // What a failed run leaves until the process ends.
   freeCmdLine();

@@ -148,7 +148,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (session.open(settings, error)) calls(session, pair, bits, input);
   }
   if (diskReadCalls() > DiskLimits{}.readCalls) finding("a lookup reads without end");
-  if (liveBlocks() != 0) finding("a closed session leaves memory behind");
-  if (diskOpenFiles(nullptr) != 0) finding("a closed session leaves a file open");
+  expectNothingLeft("a closed session");
   return 0;
 }

@@ -64,7 +64,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       for (int calls = 0; calls < kMostCalls && !input.empty(); ++calls) makeCall(session, input);
     }
   }
-  if (liveBlocks() != 0) finding("a closed session leaves memory behind");
-  if (diskOpenFiles(nullptr) != 0) finding("a closed session leaves a file open");
+  expectNothingLeft("a closed session");
   return 0;
 }

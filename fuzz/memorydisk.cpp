@@ -160,6 +160,11 @@ void finding(const char* what) {
   std::abort();
 }
 
+void expectNothingLeft(const char* who) {
+  if (liveBlocks() != 0) finding((std::string("memory left behind by ") + who).c_str());
+  if (diskOpenFiles(nullptr) != 0) finding((std::string("a file left open by ") + who).c_str());
+}
+
 }  // namespace statecut::fuzz
 
 namespace statecut::sys {

@@ -40,5 +40,7 @@ void releaseLiveBlocks();  // what a failed run leaves hanging until the process
 
 // Ends the process with a message, as a finding.
 [[noreturn]] void finding(const char* what);
+// A finding when memory or an open file is left; `who` leaves it: "a closed session".
+void expectNothingLeft(const char* who);
 
 }  // namespace statecut::fuzz

@@ -1,24 +1,17 @@
 // A cut whose Nth call of a kind fails, in a child process that ends as the program does.
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <tuple>
 
 #include "faults.h"
-#include "run/rundriver.h"
+#include "support/childcut.h"
 #include "verify/verify.h"
 
 namespace statecut::test {
 namespace {
 
 constexpr char kStates[] = "TX\nOK\n";
-constexpr unsigned kLongest = 60;  // seconds
 
-struct CutRun {
-  int signal = 0;
-  int status = 0;
+struct CutRun : ChildCut {
   std::string out, err, log;
   std::optional<FileBytes> ref, rng;
 };
@@ -48,41 +41,13 @@ class CutFaults : public testing::TestWithParam<std::tuple<int, FaultKind>> {
     writeWholeFile(folder_.file("states"), {states.begin(), states.end()});
   }
 
-  // In the child: becomes the program.
-  [[noreturn]] void become(const FaultPlan& plan) const {
-    for (const auto& [name, target] :
-         {std::pair("out", STDOUT_FILENO), std::pair("err", STDERR_FILENO)}) {
-      const int file = ::open(folder_.file(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-      ::dup2(file, target);
-    }
-    ::setenv("SOURCE_DATE_EPOCH", "1767225600", 1);
-    ::alarm(kLongest);
-    std::vector<std::string> words = {"statecut",
-                                      "-s" + folder_.file("states"),
-                                      "-l" + folder_.file("log"),
-                                      "-f" + folder_.file("city.dir"),
-                                      "-g" + folder_.file("zip4us.dir"),
-                                      "-o" + folder_.file("city.sc"),
-                                      "-z" + folder_.file("zip4us.sc"),
-                                      "-v" + std::to_string(subject_.level)};
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    allowRangeCopies(subject_.rangeCopies);
-    armFaults(plan);
-    std::exit(runMain(static_cast<int>(words.size()), arguments.data()) & 0xFF);
-  }
-
   CutRun cut(const FaultPlan& plan) {
-    for (const char* name : {"log", "city.sc", "zip4us.sc"}) ::unlink(folder_.file(name).c_str());
-    std::fflush(nullptr);
-    const pid_t child = ::fork();
-    if (child == 0) become(plan);
+    removeOutputs(folder_);
     CutRun run;
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    if (WIFSIGNALED(status)) run.signal = WTERMSIG(status);
-    if (WIFEXITED(status)) run.status = WEXITSTATUS(status);
+    static_cast<ChildCut&>(run) = runChildCut(folder_, subject_.level, [&] {
+      allowRangeCopies(subject_.rangeCopies);
+      armFaults(plan);
+    });
     run.out = readTextFile(folder_.file("out"));
     run.err = readTextFile(folder_.file("err"));
     run.log = readTextFile(folder_.file("log"));

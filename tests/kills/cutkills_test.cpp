@@ -3,12 +3,8 @@
 //
 // The program's writes are counted, and end it, inside of it: no privileges are needed.
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "kills.h"
-#include "run/rundriver.h"
+#include "support/childcut.h"
 #include "support/faultysystem.h"
 
 namespace statecut::test {
@@ -26,11 +22,6 @@ constexpr Cut kCuts[] = {{"MicroTwoStates", false, "TX,OK", false, 3},
                          {"MicroOverAnOlderCut", false, "TX", true, 3},
                          {"TinyTwoStates", true, "TX,OK", false, 4},
                          {"TinyOverAnOlderCut", true, "OK", true, 5}};
-
-struct Ended {
-  int signal = 0;
-  int status = 0;
-};
 
 builder::Model modelOf(const Cut& cut) {
   if (cut.tiny) return builder::makeModel(builder::tinyPlaces(), builder::tinyOptions());
@@ -64,46 +55,14 @@ class CutKills : public testing::TestWithParam<std::tuple<int, int>> {
     writeWholeFile(folder_.file("states"), {lines.begin(), lines.end()});
   }
 
-  [[noreturn]] void become(std::uint32_t n, KillMoment moment) const {
-    const int null = ::open("/dev/null", O_RDWR);
-    ::dup2(null, STDOUT_FILENO);
-    ::dup2(null, STDERR_FILENO);
-    ::setenv("SOURCE_DATE_EPOCH", "1767225600", 1);
-    std::vector<std::string> words = {"statecut",
-                                      "-s" + folder_.file("states"),
-                                      "-l" + folder_.file("log"),
-                                      "-f" + folder_.file("city.dir"),
-                                      "-g" + folder_.file("zip4us.dir"),
-                                      "-o" + folder_.file("city.sc"),
-                                      "-z" + folder_.file("zip4us.sc"),
-                                      "-v" + std::to_string(cut_.level)};
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    armKill(n, moment, signal_);
-    std::exit(runMain(static_cast<int>(words.size()), arguments.data()) & 0xFF);
-  }
-
   // n = 0: to its end.
-  Ended run(std::uint32_t n, KillMoment moment) const {
-    std::fflush(nullptr);
-    const pid_t child = ::fork();
-    if (child == 0) become(n, moment);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    Ended ended;
-    if (WIFSIGNALED(status)) ended.signal = WTERMSIG(status);
-    if (WIFEXITED(status)) ended.status = WEXITSTATUS(status);
-    return ended;
-  }
-
-  void removeOutputs() const {
-    for (const char* name : {"log", "city.sc", "zip4us.sc"}) ::unlink(folder_.file(name).c_str());
+  [[nodiscard]] ChildCut run(std::uint32_t n, KillMoment moment) const {
+    return runChildCut(folder_, cut_.level, [&] { armKill(n, moment, signal_); });
   }
 
   // What stands where the outputs go before a run.
   void prepare() {
-    removeOutputs();
+    removeOutputs(folder_);
     if (!cut_.overOlder) return;
     writeWholeFile(folder_.file("city.sc"), olderRef_);
     writeWholeFile(folder_.file("zip4us.sc"), olderRng_);
@@ -112,7 +71,7 @@ class CutKills : public testing::TestWithParam<std::tuple<int, int>> {
   void makeOlder() {
     if (!cut_.overOlder) return;
     writeStates("NY,OK,TX");
-    removeOutputs();
+    removeOutputs(folder_);
     ASSERT_EQ(run(0, KillMoment::kBefore).status, 0);
     olderRef_ = *readWholeFile(folder_.file("city.sc"));
     olderRng_ = *readWholeFile(folder_.file("zip4us.sc"));
