@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 
+#include "dbfiles/system.h"
 #include "log/cmdline.h"
 #include "log/utllgmsg.h"
 #include "run/statelist.h"
@@ -47,10 +49,21 @@ constexpr DefaultName kDefaultNames[] = {
 
 const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
 
+// Without memory the run ends: a default in place of a given name would read or overwrite other
+// files.
+char* ownedCopy(const char* text) {
+  const std::size_t bytes = std::strlen(text) + 1;
+  auto* const copy = static_cast<char*>(sys::allocateZeroed(bytes));
+  if (copy == nullptr) throw std::bad_alloc();
+  std::memcpy(copy, text, bytes);
+  return copy;
+}
+
 std::int32_t setName(const NameOption& option, const char* argument) {
   if (std::strlen(argument) > static_cast<std::size_t>(kMaxNameLength)) return option.tooLong;
-  std::free(cmdLine.*option.field);
-  cmdLine.*option.field = ::strdup(argument);  // null when memory runs out: the default applies
+  sys::release(cmdLine.*option.field);
+  cmdLine.*option.field = nullptr;
+  cmdLine.*option.field = ownedCopy(argument);
   return 0;
 }
 
@@ -114,7 +127,7 @@ std::int32_t parseCmdLine(int argc, char** argv) {
   }
   if (cmdLine.displayInfo != 0 || status > 0) return status;
   for (const DefaultName& entry : kDefaultNames) {
-    if (cmdLine.*entry.field == nullptr) cmdLine.*entry.field = ::strdup(entry.name);
+    if (cmdLine.*entry.field == nullptr) cmdLine.*entry.field = ownedCopy(entry.name);
   }
   return readStateList();
 }
@@ -142,7 +155,7 @@ void freeCmdLine() {
                              &CmdLine::refDb,      &CmdLine::rangeDb,   &CmdLine::refOut,
                              &CmdLine::rangeOut};
   for (const Name name : kNames) {
-    std::free(cmdLine.*name);
+    sys::release(cmdLine.*name);
     cmdLine.*name = nullptr;
   }
 }

@@ -100,12 +100,12 @@ std::int32_t readStateList() {
     std::fprintf(stderr, "Opened state file: %s\n", name);
   }
   const std::int32_t status = readLines(file);
-  // What opens and cannot be read (a folder) must not pass for an empty list.
+  // What opens and cannot be read (a folder), or loses its end, must not pass for a shorter list.
   if (file == nullptr && std::ferror(stdin) != 0) {
     std::fputs("Could not read states from standard input.\n", stderr);
     return kNoStateFile;
   }
-  if (file != nullptr && streamError(file)) {
+  if (file != nullptr && (streamError(file) || streamShrank(file))) {
     streamClose(file);
     return stateFileFailure(name);
   }
