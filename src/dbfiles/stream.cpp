@@ -109,6 +109,9 @@ void streamWillNeed(const Stream* stream, std::uint64_t offset, std::uint64_t co
 bool streamError(const Stream* stream) { return stream->error; }
 bool streamEof(const Stream* stream) { return stream->eof; }
 int streamErrno(const Stream* stream) { return stream->firstErrno; }
-bool streamShrank(const Stream* stream) { return streamSize(stream) < stream->openedSize; }
+bool streamEndedEarly(const Stream* stream) { return stream->endedEarly; }
+bool streamShrank(const Stream* stream) {
+  return streamEndedEarly(stream) || streamSize(stream) < stream->openedSize;
+}
 
 }  // namespace statecut

@@ -38,7 +38,10 @@ int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno s
 [[nodiscard]] bool streamEof(const Stream* stream);
 // errno of the first failure behind the error indicator, 0 when it is not set.
 [[nodiscard]] int streamErrno(const Stream* stream);
-// True when a file that is read is shorter than it was when the stream was opened.
+// True when a read met the end of the file before the size that it had when the stream was opened;
+// the file may have got its bytes back since.
+[[nodiscard]] bool streamEndedEarly(const Stream* stream);
+// True when it did, or the file is shorter now than when the stream was opened.
 [[nodiscard]] bool streamShrank(const Stream* stream);
 
 // True when both names lead to one regular file, however aliased: by device and inode where they

@@ -18,6 +18,7 @@ std::size_t readOnce(Stream* stream, unsigned char* to, std::size_t count, std::
     if (got < 0 && errno == EINTR) continue;
     if (got == 0) {
       stream->eof = true;
+      if (at < stream->openedSize) stream->endedEarly = true;
     } else {
       streamFail(stream, errno);
     }

@@ -22,6 +22,7 @@ struct Stream {
   bool eof = false;
   int firstErrno = 0;
   std::uint64_t openedSize = 0;  // as sys::fileBytes
+  bool endedEarly = false;       // a read met the end before that size
   std::uint64_t position = 0;    // of the next byte that the caller sees
   std::unique_ptr<unsigned char[]> buffer;
   // Reading: the buffer holds `held` bytes of the file from `heldFrom`.

@@ -25,6 +25,9 @@ void freeTables() {
   streetStdVariation = {};
 }
 
+// A table that came in part is none.
+bool readWhole(const Stream* file) { return readable(file) && !streamEndedEarly(file); }
+
 std::string cannotOpen(const std::string& path) {
   return "cannot open " + path + ": " + std::strerror(errno);
 }
@@ -144,7 +147,7 @@ bool Session::prepareNew(std::uint32_t sets) {
     if ((sets & set.set) == 0) continue;
     if (mode_ == LookupMode::kIn) {
       // An empty table answers "not found".
-      if (readFails(set.reader, &proc_) || !readable(refStream(&proc_))) failed_ |= set.set;
+      if (readFails(set.reader, &proc_) || !readWhole(refStream(&proc_))) failed_ |= set.set;
     } else if (!set.choices.empty()) {
       const bool inMemory = !readFails(set.reader, &proc_);
       for (ChooseVariant* choose : set.choices) choose(inMemory);

@@ -68,10 +68,25 @@ unprivileged() {
   fi
 }
 
+# counts NAME: adds 1 to what the whole run prints at its end under that name.
+counts() {
+  echo "1 $*" >>"$TMPDIR/counts"
+}
+
+# may_mount: whether this machine lets a case mount a file system of its own. The counts tell.
+may_mount() {
+  if unshare -rm true 2>/dev/null; then
+    counts "cases on a disk of their own"
+  else
+    counts "cases without a disk of their own, as nobody may mount here"
+    return 1
+  fi
+}
+
 # on_small_disk FOLDER SNIPPET: runs the snippet with an empty file system of 64 KiB on FOLDER; where
 # nobody may mount, with the full device under every name that a snippet writes.
 on_small_disk() {
-  if unshare -rm true 2>/dev/null; then
+  if may_mount; then
     unshare -rm sh -c 'mount -t tmpfs -o size=64k none "$2" && . "$1" && eval "$3"' sh \
       "$CASE/../../lib.sh" "$1" "$2"
   else

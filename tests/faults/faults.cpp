@@ -40,7 +40,9 @@ void addWrites(std::vector<FaultPlan>& to, FaultKind kind) {
   add(to, kind, Mode::kOnce, ENOSPC);
   add(to, kind, Mode::kForGood, EIO);
   add(to, kind, Mode::kShort, 0);
+  add(to, kind, Mode::kNothing, 0);
   if (!longRun()) return;
+  add(to, kind, Mode::kNothingForGood, 0);
   add(to, kind, Mode::kOnce, EIO);
   add(to, kind, Mode::kOnce, EFBIG);
   add(to, kind, Mode::kForGood, ENOSPC);
@@ -52,7 +54,9 @@ void addWrites(std::vector<FaultPlan>& to, FaultKind kind) {
 void addReads(std::vector<FaultPlan>& to) {
   add(to, FaultKind::kRead, Mode::kOnce, EIO);
   add(to, FaultKind::kRead, Mode::kShort, 0);
+  add(to, FaultKind::kRead, Mode::kNothing, 0);
   if (!longRun()) return;
+  add(to, FaultKind::kRead, Mode::kNothingForGood, 0);
   add(to, FaultKind::kRead, Mode::kForGood, EIO);
   add(to, FaultKind::kRead, Mode::kShortForGood, 0);
   add(to, FaultKind::kRead, Mode::kOnce, EINTR);

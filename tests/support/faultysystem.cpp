@@ -56,13 +56,17 @@ Shared& shared() {
 [[maybe_unused]] const Shared& mappedEarly = shared();
 
 bool isShort() { return plan.mode == FaultMode::kShort || plan.mode == FaultMode::kShortForGood; }
+bool isNothing() {
+  return plan.mode == FaultMode::kNothing || plan.mode == FaultMode::kNothingForGood;
+}
 
 // Counts a call; true when the plan is for it.
 bool hit(FaultKind kind) {
   if (!armed) return false;
   const std::uint32_t call = ++shared().calls[static_cast<std::size_t>(kind)];
   if (plan.n == 0 || plan.kind != kind || call < plan.n) return false;
-  const bool once = plan.mode == FaultMode::kOnce || plan.mode == FaultMode::kShort;
+  const bool once = plan.mode == FaultMode::kOnce || plan.mode == FaultMode::kShort ||
+                    plan.mode == FaultMode::kNothing;
   return !once || call == plan.n;
 }
 
@@ -73,14 +77,14 @@ bool fails(FaultKind kind) {
   return true;
 }
 
-// Calls `move(count)` or lets it fail, or move half of the bytes.
+// Calls `move(count)` or lets it fail, move half of the bytes or none.
 template <typename Move>
 std::int64_t moved(FaultKind kind, std::size_t count, Move&& move) {
   if (!hit(kind)) return move(count);
   if (!isShort()) {
     ++shared().fired;
     errno = plan.error;
-    return -1;
+    return isNothing() ? 0 : -1;
   }
   if (count < 2) return move(count);
   ++shared().fired;
@@ -104,7 +108,8 @@ std::int64_t written(FaultKind kind, int fd, const void* from, std::size_t count
 
 constexpr std::array<const char*, kFaultKinds> kKindNames = {
     "open", "seek", "read", "write", "flush", "append", "close", "allocate", "new"};
-constexpr std::array<const char*, 4> kModeNames = {"once", "good", "short", "shortgood"};
+constexpr std::array<const char*, 6> kModeNames = {"once",      "good",    "short",
+                                                   "shortgood", "nothing", "nothinggood"};
 constexpr std::array<std::pair<const char*, int>, 9> kErrors = {{{"0", 0},
                                                                  {"EIO", EIO},
                                                                  {"ENOSPC", ENOSPC},

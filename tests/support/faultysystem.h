@@ -26,16 +26,19 @@ enum class FaultMode : std::uint8_t {
   kForGood,       // and every call behind it
   kShort,         // the Nth read or write moves fewer bytes than it was asked to, without an error
   kShortForGood,  // and every one behind it
+  kNothing,       // the Nth read tells the end of the file, the Nth write that no byte was taken
+  kNothingForGood,  // and every one behind it
 };
 
 struct FaultPlan {
   FaultKind kind = FaultKind::kOpen;
   std::uint32_t n = 0;  // from 1; 0: no fault at all
   FaultMode mode = FaultMode::kOnce;
-  int error = 0;  // errno; unused for short ones and for kNew
+  int error = 0;  // errno; unused for short ones, for those of nothing and for kNew
 };
 
-// "read:3:once:EIO", as STATECUT_FAULT takes it. Modes: once, good, short, shortgood.
+// "read:3:once:EIO", as STATECUT_FAULT takes it. Modes: once, good, short, shortgood,
+// nothing, nothinggood.
 std::string described(const FaultPlan& plan);
 bool parseFault(const std::string& text, FaultPlan& plan);
 

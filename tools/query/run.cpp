@@ -103,9 +103,12 @@ int failStreams(const char* what) {
 
 std::string readFailure(Session& session) {
   const FileRecord* files = session.proc()->files;
-  if (files == nullptr || files->reference == nullptr || !streamError(files->reference)) return {};
+  if (files == nullptr || files->reference == nullptr) return {};
+  const bool error = streamError(files->reference);
+  if (!error && !streamEndedEarly(files->reference)) return {};
   return std::string("cannot read the reference file: ") +
-         std::strerror(streamErrno(files->reference));
+         (error ? std::strerror(streamErrno(files->reference))
+                : "became shorter while it was read");
 }
 
 bool answerWords(Session& session, bool decode, std::span<const std::string> words,

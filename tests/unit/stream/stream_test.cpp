@@ -147,6 +147,23 @@ TEST_F(StreamTest, FileThatLosesBytesWhileItIsOpenShrank) {
   streamClose(stream);
 }
 
+TEST_F(StreamTest, EndBeforeTheOpenedSizeIsKeptWhenTheBytesComeBack) {
+  Stream* const stream = streamOpen(fileOf(100).c_str(), "rb");
+  ASSERT_NE(stream, nullptr);
+  char bytes[100];
+  EXPECT_EQ(streamRead(stream, bytes, 100), 100U);
+  EXPECT_EQ(streamRead(stream, bytes, 1), 0U);
+  EXPECT_FALSE(streamEndedEarly(stream));
+  ASSERT_EQ(::truncate(path("data").c_str(), 0), 0);
+  ASSERT_EQ(streamSeek(stream, 50), 0);
+  EXPECT_EQ(streamRead(stream, bytes, 50), 0U);
+  EXPECT_TRUE(streamEndedEarly(stream));
+  ASSERT_EQ(::truncate(path("data").c_str(), 100), 0);
+  EXPECT_TRUE(streamEndedEarly(stream));
+  EXPECT_TRUE(streamShrank(stream));
+  streamClose(stream);
+}
+
 TEST_F(StreamTest, DevicesAndFilesThatAreWrittenNeverShrink) {
   using NameAndMode = std::pair<std::string, const char*>;
   for (const auto& [name, mode] :
