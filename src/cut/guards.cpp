@@ -116,10 +116,11 @@ bool outputsFailed() {
 }
 
 void flushOutputs() {
-  errno = 0;
-  if (newRefDb != nullptr) note(refOutput, streamFlush(newRefDb));
+  // The reference file's last record, still in its buffer, goes last: with it the pair is complete.
   errno = 0;
   if (newRangeDb != nullptr) note(rangeOutput, streamFlush(newRangeDb));
+  errno = 0;
+  if (newRefDb != nullptr) note(refOutput, streamFlush(newRefDb));
 }
 
 void closeOutputs() {

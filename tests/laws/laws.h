@@ -46,11 +46,21 @@ class Breaches {
   std::string text_;
 };
 
-// Of any pair, sound or not (laws_list.cpp). `list` are states as a user would give them.
-std::string orderAndCaseDoNotMatter(const Pair& pair, const States& list, std::uint64_t seed);
-std::string repeatsAddToTheNamesByStateAlone(const Pair& pair, const States& list);
-std::string runsWithOneStampAreEqual(const Pair& pair, const States& list);
-std::string namesAndFoldersChangeTheLogAlone(const Pair& pair, const States& list);
+// The cut of a pair by a list of states as a user would give it; other runs are held against it.
+struct Baseline {
+  Baseline(const Pair& of, const States& by);
+
+  const Pair& pair;
+  const States& list;
+  const CutRun run;
+};
+
+// Of any pair, sound or not (laws_list.cpp).
+std::string runEndsAndHarmsNoInput(const Baseline& base);
+std::string orderAndCaseDoNotMatter(const Baseline& base, std::uint64_t seed);
+std::string repeatsAddToTheNamesByStateAlone(const Baseline& base);
+std::string stampIsAllThatTheEpochSets(const Baseline& base);
+std::string namesAndFoldersChangeTheLogAlone(const Baseline& base);
 
 // Of a sound pair: what the files hold (laws_content.cpp).
 std::string allStatesKeepEverything(const Source& source);
@@ -58,7 +68,7 @@ std::string cutIsNotCutAgain(const Pair& made, const States& list);
 std::string keptZipCodesKeepTheirPartitions(const Selection& chosen, const Pair& made);
 std::string sharedPartitionsAreKept(const Selection& chosen, const Pair& made);
 std::string namesAreThoseOfTheStates(const Selection& chosen, const Pair& made);
-std::string unionKeepsWhatEitherKeeps(const Source& source, const States& a, const States& b);
+std::string unionKeepsWhatEitherKeeps(const Baseline& base, const States& others);
 
 // Of a sound pair: what the lookups answer (laws_lookup.cpp).
 std::string keptAnswersStay(const Selection& chosen, const Pair& made, const Variant& variant);

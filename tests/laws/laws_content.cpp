@@ -126,7 +126,7 @@ std::string allStatesKeepEverything(const Source& source) {
     const std::uint32_t key = source.pair.zipKey(zip);
     const std::uint32_t expected = all.zipKept(key) ? key : 0;
     if (expected != key) occurred(Exception::kUnreachableZip);
-    breaches.unless(made.zipKey(zip) == expected, numbered("index of ZIP code", zip));
+    if (made.zipKey(zip) != expected) breaches.add(numbered("index of ZIP code", zip));
   }
   return breaches.text() + keptZipCodesKeepTheirPartitions(all, made) +
          sharedPartitionsAreKept(all, made) + namesAreThoseOfTheStates(all, made);
@@ -217,20 +217,19 @@ std::string namesAreThoseOfTheStates(const Selection& chosen, const Pair& made) 
   return breaches.text();
 }
 
-std::string unionKeepsWhatEitherKeeps(const Source& source, const States& a, const States& b) {
+std::string unionKeepsWhatEitherKeeps(const Baseline& base, const States& others) {
   Breaches breaches;
-  States all = a;
-  for (const std::string& state : b)
+  States all = base.list;
+  for (const std::string& state : others)
     if (std::find(all.begin(), all.end(), state) == all.end()) all.push_back(state);
-  const CutRun first = cut(source.pair, a);
-  const CutRun second = cut(source.pair, b);
-  const CutRun both = cut(source.pair, all);
+  const CutRun& first = base.run;
+  const CutRun second = cut(base.pair, others);
+  const CutRun both = cut(base.pair, all);
   for (const CutRun* run : {&first, &second, &both})
     if (run->status != 0) return numbered("  status", run->status) + "\n" + run->log;
   for (std::uint32_t zip = 0; zip < kZipCodes; ++zip)
-    breaches.unless(
-        both.made.zipKey(zip) == std::max(first.made.zipKey(zip), second.made.zipKey(zip)),
-        numbered("index of ZIP code", zip));
+    if (both.made.zipKey(zip) != std::max(first.made.zipKey(zip), second.made.zipKey(zip)))
+      breaches.add(numbered("index of ZIP code", zip));
   compareUnion<CityNameRow>(first.made, second.made, both.made, Ref::cityNamesRba,
                             Ref::cityNamesCount, 0, "city names", breaches);
   compareUnion<CityByStateRow>(first.made, second.made, both.made, Ref::cityNamesByStateRba,

@@ -39,29 +39,47 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-// The same list in another order, each letter in any case.
-std::string shuffled(States list, std::uint64_t seed) {
+// The same list in another order where there is one, letters in any case, one at least in lower.
+std::string shuffled(const States& list, std::uint64_t seed) {
   builder::Random random(seed);
-  for (std::size_t i = list.size(); i > 1; --i)
-    std::swap(list[i - 1], list[random.below(static_cast<std::uint32_t>(i))]);
-  std::string text = linesOf(list);
-  for (char& c : text)
-    if (random.percent(50)) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  States other = list;
+  for (std::size_t i = other.size(); i > 1; --i)
+    std::swap(other[i - 1], other[random.below(static_cast<std::uint32_t>(i))]);
+  if (other == list) std::reverse(other.begin(), other.end());
+  std::string text = linesOf(other);
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (i == 0 || random.percent(50))
+      text[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));
   return text;
+}
+
+constexpr auto kStamp = Ref::stateCutTimeStamp;
+static_assert(kStamp.at == RngControlRec::stateCutTimeStamp.at);
+
+// The files as the same run makes them under another stamp.
+Pair stamped(Pair made, std::uint32_t stamp) {
+  for (FileBytes* file : {&made.ref, &made.rng})
+    if (file->size() >= kStamp.at + 4) le::put<4>(file->data() + kStamp.at, stamp);
+  return made;
 }
 
 }  // namespace
 
-std::string orderAndCaseDoNotMatter(const Pair& pair, const States& list, std::uint64_t seed) {
+Baseline::Baseline(const Pair& of, const States& by) : pair(of), list(by), run(cut(of, by)) {}
+
+std::string runEndsAndHarmsNoInput(const Baseline& base) {
+  Breaches breaches;
+  checkEnd(base.run, breaches);
+  return breaches.text();
+}
+
+std::string orderAndCaseDoNotMatter(const Baseline& base, std::uint64_t seed) {
   Breaches breaches;
   Manner manner;
-  manner.list = linesOf(list);
-  const CutRun plain = cut(pair, manner);
-  manner.list = shuffled(list, seed);
-  const CutRun other = cut(pair, manner);
-  checkEnd(plain, breaches);
+  manner.list = shuffled(base.list, seed);
+  const CutRun other = cut(base.pair, manner);
   checkEnd(other, breaches);
-  compareRuns(plain, other, breaches);
+  compareRuns(base.run, other, breaches);
   return breaches.text();
 }
 
@@ -97,14 +115,13 @@ FileBytes namesByStateWithRepeats(const Pair& source, const States& list, std::u
   return bytes;
 }
 
-std::string repeatsAddToTheNamesByStateAlone(const Pair& pair, const States& list) {
+std::string repeatsAddToTheNamesByStateAlone(const Baseline& base) {
   Breaches breaches;
-  if (list.empty()) return {};
-  States twice = list;
-  twice.push_back(list.front());
-  if (list.size() > 1) twice.insert(twice.end(), 2, list.back());
-  const CutRun once = cut(pair, list);
-  CutRun again = cut(pair, twice);
+  States twice = base.list;
+  twice.push_back(base.list.front());
+  if (base.list.size() > 1) twice.insert(twice.end(), 2, base.list.back());
+  const CutRun& once = base.run;
+  CutRun again = cut(base.pair, twice);
   checkEnd(again, breaches);
   if (once.status != 0 || again.status != 0) {
     // The room for the repeats may be more than there is; a cut that fails without them never
@@ -113,7 +130,7 @@ std::string repeatsAddToTheNamesByStateAlone(const Pair& pair, const States& lis
     return breaches.text();
   }
   const FileBytes expected =
-      namesByStateWithRepeats(pair, twice, once.made.word(Ref::cityNamesCount));
+      namesByStateWithRepeats(base.pair, twice, once.made.word(Ref::cityNamesCount));
   breaches.unless(namesByState(again.made) == expected, "other records by state");
   const FileBytes kept = namesByState(once.made);
   if (kept != expected) occurred(Exception::kRepeatedState);
@@ -123,19 +140,29 @@ std::string repeatsAddToTheNamesByStateAlone(const Pair& pair, const States& lis
   return breaches.text();
 }
 
-std::string runsWithOneStampAreEqual(const Pair& pair, const States& list) {
+std::string stampIsAllThatTheEpochSets(const Baseline& base) {
   Breaches breaches;
-  const CutRun first = cut(pair, list);
-  const CutRun second = cut(pair, list);
-  checkEnd(first, breaches);
-  compareRuns(first, second, breaches);
+  Manner manner;
+  manner.list = linesOf(base.list);
+  compareFiles(stamped(base.run.made, manner.stamp), base.run.made, breaches);
+  manner.loaded = true;
+  const CutRun same = cut(base.pair, manner);
+  checkEnd(same, breaches);
+  compareRuns(base.run, same, breaches);
+  manner.loaded = false;
+  manner.stamp = ~manner.stamp;  // each of its bytes is another one
+  const CutRun later = cut(base.pair, manner);
+  checkEnd(later, breaches);
+  CutRun expected = base.run;
+  expected.made = stamped(expected.made, manner.stamp);
+  compareRuns(expected, later, breaches);
   return breaches.text();
 }
 
-std::string namesAndFoldersChangeTheLogAlone(const Pair& pair, const States& list) {
+std::string namesAndFoldersChangeTheLogAlone(const Baseline& base) {
   Breaches breaches;
   Manner plain;
-  plain.list = linesOf(list);
+  plain.list = linesOf(base.list);
   Manner other = plain;
   other.listInFile = true;
   other.folder = "a b/\xC3\xA9";
@@ -144,8 +171,7 @@ std::string namesAndFoldersChangeTheLogAlone(const Pair& pair, const States& lis
   other.refOut = "../../Qmade 1";
   other.rngOut = "Q;made\n2";
   other.log = "../Qlog";
-  const CutRun expected = cut(pair, plain);
-  CutRun got = cut(pair, other);
+  CutRun got = cut(base.pair, other);
   checkEnd(got, breaches);
   const std::pair<std::string, std::string> names[] = {{other.ref, plain.ref},
                                                        {other.rng, plain.rng},
@@ -159,7 +185,7 @@ std::string namesAndFoldersChangeTheLogAlone(const Pair& pair, const States& lis
   got.log = replaced(got.log, "State file: states.txt\n", "States read from standard input.\n");
   got.err = replaced(got.err, "Opened state file: states.txt\n", "");
   got.out.insert(0, "State Abbreviations read from standard input.\n");
-  compareRuns(expected, got, breaches);
+  compareRuns(base.run, got, breaches);
   return breaches.text();
 }
 

@@ -62,6 +62,7 @@ struct Manner {
   std::string log = "tolvlog.txt";
   int logLevel = 5;
   std::uint32_t stamp = 1500000000;
+  bool loaded = false;  // by a fresh load of the program: other addresses, other old memory
 };
 
 struct CutRun {
