@@ -38,9 +38,15 @@ class Base:
     def copy_tree(self):
         """Brings the copy up to date; a file that did not change keeps its time."""
         listed = run(["git", "ls-files", "-co", "--exclude-standard", "-z"], self.root).stdout
-        wanted = {name for name in listed.split("\0") if name and (self.root / name).is_file()}
+        wanted = {name for name in listed.split("\0") if name and
+                  ((self.root / name).is_file() or (self.root / name).is_symlink())}
         for name in wanted:
             source, copy = self.root / name, self.tree / name
+            if source.is_symlink():
+                copy.parent.mkdir(parents=True, exist_ok=True)
+                copy.unlink(missing_ok=True)
+                copy.symlink_to(os.readlink(source))
+                continue
             content = source.read_bytes()
             if not copy.exists() or copy.read_bytes() != content:
                 copy.parent.mkdir(parents=True, exist_ok=True)
