@@ -63,6 +63,8 @@ void cacheCall(Session& session, const DamagedPair& pair, Input& input) {
       if (out != nullptr) compare(pair, rba, length, out);
       return;
     case 4:
+      // A piece goes behind the pieces before it, and the pointer is to the first of them.
+      session.proc()->cache->stageFill = 0;
       chGetBlkCacheDataPtr(cache, rba, length, &out, &remaining, &next, &copied);
       if (out != nullptr) compare(pair, rba, std::min(copied, length), out);
       return;
