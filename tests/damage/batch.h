@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,8 +17,18 @@ namespace statecut::test {
 
 struct Outcome {
   std::uint64_t damages = 0;
+  // Damages whose cut has status 0 and other bytes than that of the sound pair: those that verify
+  // reports, and those that are exceptions.
+  std::uint64_t silentCuts = 0;
+  std::uint64_t exceptedCuts = 0;
   std::vector<std::string> failures;  // each with the name of its damage
   std::vector<std::string> notes;     // what `judge` noted, each once
+};
+
+// What the parent knows of a child that died.
+struct Progress {
+  std::size_t next;  // position in the chosen damages
+  Program program;
 };
 
 // What is wrong with what the programs did, "" when nothing is. A text behind '\n' is a note.
@@ -24,7 +36,8 @@ using Judge = std::function<std::string(const Damage&, const Programs&, const Be
 
 struct Limits {
   double seconds = 1.0;               // of processor time, each program
-  std::uint64_t memory = 256U << 20;  // resident, beyond what the child began with
+  std::uint64_t memory = 256U << 20;  // resident, beyond what the child began with, and this
+  std::uint64_t timesTables = 0;      // many times what the damaged count has tables take
 };
 
 class Damager {
@@ -45,8 +58,13 @@ class Damager {
 
  private:
   void restore() const;
-  void serve(const Damages& damages, const std::vector<std::size_t>& chosen, std::size_t from,
-             std::size_t end, const Limits& limits, const Judge& judge);
+  // In the child: the damages from `from` to `end`, with their outcome in the file "report".
+  void serve(const Damages& damages, std::span<const std::size_t> chosen, const Limits& limits,
+             const Judge& judge, Progress& progress);
+  // What is wrong with one of them, and a line for a cut with status 0 that differs.
+  std::string tryOne(const Damages& damages, const Damage& damage, const Limits& limits,
+                     const Judge& judge, const Behaviour& sound, std::ostream& report,
+                     Progress& progress);
 
   PairImage pair_;
   PairFiles files_;

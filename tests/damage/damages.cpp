@@ -101,7 +101,7 @@ Damages everyLength(const PairImage& pair) {
     constexpr std::uint8_t kTurns[] = {
         bitOf(Program::kCut), bitOf(Program::kInfo) | bitOf(Program::kIn), bitOf(Program::kFirst),
         bitOf(Program::kOff) | bitOf(Program::kCached)};
-    return kTurns[length % std::size(kTurns)] | bitOf(Program::kVerify);
+    return kTurns[length / 4 % std::size(kTurns)] | bitOf(Program::kVerify);
   };
   Damages made;
   for (const bool range : {false, true})
@@ -160,25 +160,66 @@ Damages everyBit(const PairImage& pair) {
   return made;
 }
 
-std::uint64_t prescribedBytes(const PairImage& pair, const Damages& damages, const Damage& damage) {
-  if (damage.how == How::kShorten) return 0;
-  const Field& field = damages.fields[damage.field];
-  Bytes changed = damagedBytes(damage, pair.file(damage.range).data() + damage.at);
+namespace {
+
+// The number that the damage leaves in a 32-bit field, 0 in others.
+std::uint64_t damagedNumber(const PairImage& pair, const Field& field, const Damage& damage) {
+  if (field.width != 4) return 0;
+  const Bytes changed = damagedBytes(damage, pair.file(damage.range).data() + damage.at);
   Bytes whole(field.width);
   std::copy_n(pair.file(field.range).data() + field.at, field.width, whole.begin());
   std::copy(changed.begin(), changed.end(),
             whole.begin() + static_cast<std::ptrdiff_t>(damage.at - field.at));
-  if (field.width != 4) return 0;
-  const std::uint64_t value = le::get<4>(whole.data());
+  return le::get<4>(whole.data());
+}
+
+// Work tables take 12 bytes a multi-ZIP key.
+std::uint64_t multiZipKeyBytes(const Field& field, std::uint64_t value) {
+  return field.name == R::multiZipListsCount.name ? 12 * value : 0;
+}
+
+}  // namespace
+
+std::uint64_t prescribedBytes(const PairImage& pair, const Damages& damages, const Damage& damage) {
+  if (damage.how == How::kShorten) return 0;
+  const Field& field = damages.fields[damage.field];
+  const std::uint64_t value = damagedNumber(pair, field, damage);
   if (!field.table.empty()) {
     const bool size = field.name == "bytes" || field.name == "sfhBytes" || field.name == "rrBytes";
     return size ? value : 0;
   }
-  // Work tables take 12 bytes a multi-ZIP key.
-  std::uint64_t most = field.name == R::multiZipListsCount.name ? 12 * value : 0;
+  std::uint64_t most = multiZipKeyBytes(field, value);
   for (const verify::TableDef& def : verify::tableDefs())
     if (!field.range && def.countAt == field.at) most = std::max(most, value * def.width);
   return most;
+}
+
+std::uint64_t tableBytes(const PairImage& pair, const Damages& damages, const Damage& damage) {
+  if (damage.how == How::kShorten) return 0;
+  const Field& field = damages.fields[damage.field];
+  if (field.range || !field.table.empty()) return 0;
+  const std::uint64_t value = damagedNumber(pair, field, damage);
+  const auto allocated = [](std::uint64_t bytes) {
+    const std::uint64_t word = bytes & 0xFFFFFFFFU;
+    return word < 0x80000000U ? word : 0;
+  };
+  std::uint64_t all = allocated(multiZipKeyBytes(field, value));
+  for (const verify::TableDef& def : verify::tableDefs())
+    if (def.countAt == field.at) all += allocated(value * def.width);
+  return all;
+}
+
+void takeTurns(Damages& damages) {
+  constexpr Program kTurns[] = {Program::kCut,   Program::kIn,     Program::kOff,
+                                Program::kFirst, Program::kCached, Program::kInfo};
+  // All of them in each of four shards, too.
+  std::size_t i = 0;
+  for (Damage& damage : damages.list) {
+    const std::size_t turn = i + i / 4;
+    ++i;
+    damage.programs = static_cast<std::uint8_t>(bitOf(kTurns[turn % std::size(kTurns)]) |
+                                                bitOf(Program::kVerify));
+  }
 }
 
 }  // namespace statecut::test

@@ -71,6 +71,13 @@ Damages everyBit(const PairImage& pair);
 // damaged size of a partition.
 std::uint64_t prescribedBytes(const PairImage& pair, const Damages& damages, const Damage& damage);
 
+// Bytes that all tables and work tables of the damaged count take in memory. Sizes are words of 32
+// bits; of 2 GiB or more nothing is allocated.
+std::uint64_t tableBytes(const PairImage& pair, const Damages& damages, const Damage& damage);
+
+// One of the programs on each damage, in turn, beside verify: neighbours meet different ones.
+void takeTurns(Damages& damages);
+
 // A pair with a record in every table and as few others as that takes; `states` are two of its
 // three states.
 builder::Model microModel();

@@ -83,7 +83,51 @@ bool hashedAlike(const PairImage&, const Field& field, const Damage& damage) {
   return damage.how == How::kFlip && damage.at == field.at && damage.value >= 5;
 }
 
+// The number that the damage leaves in the field.
+std::uint32_t valueOf(const PairImage& sound, const Field& field, const Damage& damage) {
+  const PairImage now = damaged(sound, damage);
+  const unsigned char* at = now.file(field.range).data() + field.at;
+  return field.width >= 4 ? le::get<4>(at) : field.width == 2 ? le::get<2>(at) : *at;
+}
+
+std::uint32_t countOf(verify::TableId id, const PairImage& sound) {
+  return static_cast<std::uint32_t>(verify::placeTable(id, sound.ref).count);
+}
+
+// A key of a record: 0 leads to the dummy.
+template <verify::TableId Table>
+bool validKey(const PairImage& sound, const Field& field, const Damage& damage) {
+  const std::uint32_t key = valueOf(sound, field, damage);
+  return key != 0 && key < countOf(Table, sound);
+}
+
+// The same, or none.
+template <verify::TableId Table>
+bool validKeyOrNone(const PairImage& sound, const Field& field, const Damage& damage) {
+  return valueOf(sound, field, damage) < countOf(Table, sound);
+}
+
+// Behind the count the table holds what no list needs.
+bool validListed(const PairImage& sound, const Field& field, const Damage& damage) {
+  return field.record >= field.count || validKey<verify::TableId::ZipData>(sound, field, damage);
+}
+
+// Where a street name begins.
+bool isStreet(const PairImage& sound, std::uint32_t key) {
+  const auto place = verify::placeTable(verify::TableId::StreetNames, sound.ref);
+  std::uint64_t at = 0;
+  while (at < key && at < place.bytes) at += 1U + sound.ref[place.rba + at];
+  return at == key && at < place.bytes;
+}
+bool validStreet(const PairImage& sound, const Field& field, const Damage& damage) {
+  return isStreet(sound, valueOf(sound, field, damage));
+}
+bool validVariation(const PairImage& sound, const Field& field, const Damage& damage) {
+  return sound.ref[field.at + 4] < 0x80 && validStreet(sound, field, damage);
+}
+
 using M = CityMultiZipRow;
+using verify::TableId;
 
 constexpr const char* kCarried = "carried, not interpreted";
 constexpr const char* kNoEntry =
@@ -91,6 +135,7 @@ constexpr const char* kNoEntry =
 constexpr const char* kOtherZip = "another ZIP code: the list is all that tells which belong there";
 constexpr const char* kOtherStreet = "another street: only the spelling tells which one is meant";
 constexpr const char* kOtherArea = "another finance area: only this key tells which one";
+constexpr const char* kOtherScf = "an SCF key: the format does not say which there are";
 constexpr const char* kAlike = "another first letter that hashes like the right one";
 
 constexpr const char* kOtherName = "another name of the city";
@@ -119,7 +164,7 @@ constexpr Exception kExceptions[] = {
     {"City Data", "reserved12", kCarried},
     {"City Data", "reserved20", kCarried},
     {"City Data", "reserved34", kCarried},
-    {"City Data", "finMultiZipKey", kOtherArea},
+    {"City Data", "finMultiZipKey", kOtherArea, validKey<TableId::FinMultiZipRbas>},
     {"City Multi Zip RBAs", "*", kDummy, dummyRecord},
     {"City Multi Zip RBAs", "reserved2", kCarried},
     {"City Multi Zip RBAs", "rrZipCount", kNoEntry,
@@ -137,7 +182,7 @@ constexpr Exception kExceptions[] = {
     {"Zip Code Data", "reserved40", kCarried},
     {"Zip Code Data", "cityKeysIndex", "not read with one city", cityListNotRead},
     {"Zip Code Data", "cityKey", "not read with several cities", onlyCityNotRead},
-    {"Zip Code Data", "finMultiZipKey", kOtherArea},
+    {"Zip Code Data", "finMultiZipKey", kOtherArea, validKeyOrNone<TableId::FinMultiZipRbas>},
     {"Zip Bytes", "*", kDummy, dummyRecord},
     {"Zip Multi City Lists", "key", kDummy, dummyRecord},
     {"Zip Multi City Lists", "key", "not read by the count, carried by no cut", secondHalf},
@@ -159,20 +204,20 @@ constexpr Exception kExceptions[] = {
     {"Urb Variations", "*", kCarried},
     {"General Delivery", "*", kCarried},
     {"City Multi Zip Lists", "*", kCarried},
-    {"City Multi Finance Lists", "key", kOtherArea},
+    {"City Multi Finance Lists", "key", kCarried},
     {"Military Aliases", "firstText", kCarried},
     {"Military Aliases", "lastText", kCarried},
     {"PO Box Zones", "zone", kCarried},
     {"SCFs", "*", kBehind},
-    {"Multi Zip Lists", "key", kOtherZip},
-    {"Street Phonetics", "value", kOtherStreet},
+    {"Multi Zip Lists", "key", kOtherZip, validListed},
+    {"Street Phonetics", "value", kOtherStreet, validVariation},
     {"Street Phonetics", "text", kAlike, hashedAlike},
-    {"Street Standards", "value", kOtherStreet},
+    {"Street Standards", "value", kOtherStreet, validVariation},
     {"Street Standards", "text", kAlike, hashedAlike},
-    {"Street Phonetic Lists", "street", kOtherStreet},
-    {"Street Phonetic Lists", "scf", "another SCF: only this key tells which one"},
-    {"Street Standard Lists", "street", kOtherStreet},
-    {"Street Standard Lists", "scf", "another SCF: only this key tells which one"},
+    {"Street Phonetic Lists", "street", kOtherStreet, validStreet},
+    {"Street Phonetic Lists", "scf", kOtherScf},
+    {"Street Standard Lists", "street", kOtherStreet, validStreet},
+    {"Street Standard Lists", "scf", kOtherScf},
     {"Hash Table", "check", "read in a slot of one name only", checkNotRead},
     {"Hash Table", "number", "not read in an empty slot", slotEmpty},
 };

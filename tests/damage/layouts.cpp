@@ -38,7 +38,7 @@ Layout recordLayout(TableId id) {
     case TableId::CityData:
       return layoutOf<CityDataRow>();
     case TableId::CityMultiZipLists:
-      return layoutOf<CityZipKeyRow>();
+      return {{"zipKey", 2}, {"zip", 4}};
     case TableId::CityMultiZipRbas:
       return layoutOf<CityMultiZipRow>();
     case TableId::FinMultiZipRbas:
@@ -63,7 +63,7 @@ Layout recordLayout(TableId id) {
     case TableId::HashOverflow:
       return layoutOf<HashOverflowRow>();
     case TableId::GeneralDelivery:
-      return layoutOf<GeneralDeliveryRow>();
+      return {{"addOn", 2}, {"zipKey", 2}};
     case TableId::UniqueZips:
       return {{"number", 4}, {"offset", 4}, {"words", 4}};
     case TableId::Counties:
@@ -180,7 +180,9 @@ void addTableFields(const PairImage& pair, TableId id, Choice choice, std::vecto
       adder.add(place.count - 1, place.rba + place.bytes - 42, {{"lastText", 42}});
       return;
     case TableId::PobZones:
-      adder.add(0, place.rba, {{"countN", 2}, {"zone", 2}});
+      adder.add(0, place.rba, {{"countN", 2}});
+      for (const std::uint64_t i : chosen(le::get<2>(pair.ref.data() + place.rba), choice))
+        adder.add(i, place.rba + 2 + 2 * i, {{"zone", 2}});
       return;
     default:
       break;

@@ -65,12 +65,17 @@ const char* nameOf(Program program) {
   return kNames[static_cast<std::size_t>(program)];
 }
 
-std::string Behaviour::difference(const Behaviour& other) const {
-  if (cutStatus != other.cutStatus) return "the cut's status is " + std::to_string(other.cutStatus);
-  if (cutRef != other.cutRef) return "the cut's reference file differs";
-  if (cutRng != other.cutRng) return "the cut's range file differs";
+std::string Behaviour::difference(const Behaviour& other, std::uint8_t which) const {
+  if ((which & bitOf(Program::kCut)) != 0) {
+    if (cutStatus != other.cutStatus)
+      return "the cut's status is " + std::to_string(other.cutStatus);
+    if (cutDiffers(other))
+      return cutRef != other.cutRef ? "the cut's reference file differs"
+                                    : "the cut's range file differs";
+  }
   for (std::size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i] == other.answers[i]) continue;
+    if ((which & bitOf(static_cast<Program>(3 + i))) == 0 || answers[i] == other.answers[i])
+      continue;
     std::istringstream now(other.answers[i]);
     std::istringstream before(answers[i]);
     std::string a;

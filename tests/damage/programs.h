@@ -41,8 +41,12 @@ struct Behaviour {
   std::string cutRng;
   std::array<std::string, 4> answers;  // by variant: in, first, off, cached
 
-  // "" when both are the same, else what differs.
-  [[nodiscard]] std::string difference(const Behaviour& other) const;
+  // "" when both are the same, else what differs; of the programs whose bits are set.
+  [[nodiscard]] std::string difference(const Behaviour& other,
+                                       std::uint8_t which = kAllPrograms) const;
+  [[nodiscard]] bool cutDiffers(const Behaviour& other) const {
+    return cutRef != other.cutRef || cutRng != other.cutRng;
+  }
 };
 
 struct Verdict {

@@ -83,4 +83,12 @@ std::set<std::string> trippedRules(const verify::Options& options) {
   return tripped;
 }
 
+verify::Finding firstFinding(const verify::Options& options, verify::RuleId rule) {
+  std::string error;
+  const verify::Report report = verify::check(options, error);
+  for (const verify::Finding& finding : report.findings())
+    if (finding.rule == rule) return finding;
+  return {verify::RuleId::Count_, verify::File::Reference, 0, 0, error};
+}
+
 }  // namespace statecut::test

@@ -35,4 +35,7 @@ PairBytes bytesOf(const builder::Model& model);
 // The ids of the rules that found something; "error: ..." when there is no verdict.
 std::set<std::string> trippedRules(const verify::Options& options);
 
+// The first finding of a rule; of rule Count_ when it found nothing.
+verify::Finding firstFinding(const verify::Options& options, verify::RuleId rule);
+
 }  // namespace statecut::test

@@ -26,6 +26,12 @@ Ids idsOf(const Case& one) {
   return ids;
 }
 
+void expectAt(const Spot& spot, const verify::Finding& found) {
+  EXPECT_EQ(found.file, spot.file) << found.text;
+  EXPECT_EQ(found.record, spot.record) << found.text;
+  EXPECT_EQ(found.offset, spot.offset) << found.text;
+}
+
 class AloneRule : public testing::TestWithParam<Case> {};
 
 TEST_P(AloneRule, IsTheOnlyOneThatItsDamageTrips) {
@@ -35,9 +41,10 @@ TEST_P(AloneRule, IsTheOnlyOneThatItsDamageTrips) {
   ASSERT_EQ(trippedRules(fixture.options("pair")), Ids{});
   if (GetParam().model) GetParam().model(model);
   PairBytes damaged = bytesOf(model);
-  if (GetParam().bytes) GetParam().bytes(damaged);
+  const Spot spot = GetParam().bytes(damaged);
   fixture.write("pair", damaged);
   EXPECT_EQ(trippedRules(fixture.options("pair")), idsOf(GetParam()));
+  expectAt(spot, firstFinding(fixture.options("pair"), GetParam().rule));
 }
 
 INSTANTIATE_TEST_SUITE_P(Verify, AloneRule, testing::ValuesIn(aloneCases()), caseName);
@@ -50,9 +57,10 @@ TEST_P(CutRule, IsTheOnlyOneThatItsDamageTrips) {
   ASSERT_NO_FATAL_FAILURE(fixture.cut("source", fixture.states(), "cut"));
   ASSERT_EQ(trippedRules(fixture.options("cut", "source")), Ids{});
   PairBytes damaged = fixture.read("cut");
-  GetParam().bytes(damaged);
+  const Spot spot = GetParam().bytes(damaged);
   fixture.write("cut", damaged);
   EXPECT_EQ(trippedRules(fixture.options("cut", "source")), idsOf(GetParam()));
+  expectAt(spot, firstFinding(fixture.options("cut", "source"), GetParam().rule));
   // It takes the source to see it.
   EXPECT_EQ(trippedRules(fixture.options("cut")), Ids{});
 }
