@@ -50,7 +50,7 @@ def ordered(all_stages, path):
 def environment(bench):
     kept = {name: os.environ[name] for name in ("PATH", "HOME") if name in os.environ}
     return {**kept, "TMPDIR": str(bench.folder / "tmp"), "TZ": "UTC", "LC_ALL": "C",
-            "SOURCE_DATE_EPOCH": "1500000000", "STATECUT_CUT_RUNS": "100",
+            "STATECUT_CUT_RUNS": "100",
             "GTEST_FAIL_FAST": "1", "GTEST_COLOR": "no", "MALLOC_PERTURB_": "165",
             "STATECUT": str(bench.folder / "bin/statecut"),
             "STATEDB": str(bench.folder / "bin/statedb"),

@@ -34,6 +34,7 @@ class CutState : public cutbench::CutBench {
     for (std::size_t i = 1; i < model.zipBytes.size() && states_.size() < 1; ++i)
       if (!model.zipBytes[i].state.empty()) states_.push_back(model.zipBytes[i].state);
     setStates(states_);
+    ::unsetenv("SOURCE_DATE_EPOCH");
     dateAndTime = 1700000000;
   }
 

@@ -1,5 +1,7 @@
 #include "cut/refwrite.h"
 
+#include <cstdlib>
+
 #include "cut/closedbs.h"
 #include "cut/guards.h"
 #include "dbfiles/memory.h"
@@ -17,6 +19,7 @@ class RefWrite : public cutbench::CutBench {
  protected:
   RefWrite() {
     openOutputs();
+    ::unsetenv("SOURCE_DATE_EPOCH");
     dateAndTime = 1700000000;
   }
 };
