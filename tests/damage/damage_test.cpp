@@ -2,6 +2,7 @@
 // STATECUT_DAMAGE names one damage to run alone, STATECUT_DAMAGE_SEED chooses other samples.
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -147,6 +148,7 @@ TEST_P(Shard, EveryDamageToACutIsReportedWithItsSource) {
 
 // Counts that make a table larger than 64 MiB take their time and memory, and no more.
 TEST_P(Shard, ACountOfALargeTableTakesMemoryInProportion) {
+  ::mallopt(M_PERTURB, 0);  // what is filled is resident
   Damager damager(microPair(), nullptr, Queries::kOneEach);
   for (const Damages& damages : {fieldValues(microPair()), everyBit(microPair())}) {
     const auto large = [&](const Damage& damage) { return hostile(microPair(), damages, damage); };
