@@ -22,6 +22,14 @@ class BuildError(Exception):
     pass
 
 
+def needed(command, cwd, **options):
+    """As run, for what must not fail."""
+    done = run(command, cwd, **options)
+    if done.returncode != 0:
+        raise BuildError(f"status {done.returncode} of {shlex.join(command)[-2000:]}\n{done.stdout}")
+    return done
+
+
 def run(command, cwd, **options):
     return subprocess.run(command, cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True, errors="replace", **options)
@@ -161,10 +169,7 @@ class Bench:
                     self.keep_inline_functions(place)
                 objects[target] = place
         archive = self.folder / "objects" / "libstatecut.a"
-        done = run(["ar", "qcs", str(archive), *objects.values()],
-                   self.base.folder / build)
-        if done.returncode != 0:
-            raise BuildError(done.stdout)
+        needed(["ar", "qcs", str(archive), *objects.values()], self.base.folder / build)
         return True
 
     @staticmethod
@@ -174,14 +179,10 @@ class Bench:
         whole = place + ".whole"
         for command in (["ld", "-r", "--force-group-allocation", place, "-o", whole],
                         ["nm", "--defined-only", whole]):
-            done = run(command, "/")
-            if done.returncode != 0:
-                raise BuildError(done.stdout)
+            done = needed(command, "/")
         weak = re.findall(r"^[0-9a-f]+ [WVu] (\S+)$", done.stdout, re.M)
         Path(place + ".weak").write_text("".join(name + "\n" for name in weak))
-        done = run(["objcopy", f"--localize-symbols={place}.weak", whole, place], "/")
-        if done.returncode != 0:
-            raise BuildError(done.stdout)
+        needed(["objcopy", f"--localize-symbols={place}.weak", whole, place], "/")
 
     def link(self, program):
         """Links a program once; false when the change leaves something undefined."""

@@ -259,6 +259,13 @@ TEST_F(CutState, FullDiskUnderTheRangeEndsTheCut) {
       << errors;
 }
 
+TEST_F(CutState, FailureOfOneCutIsForgottenByTheNext) {
+  setNames("city.dir", "zip4us.dir", "city.sc", "/dev/full");
+  ASSERT_EQ(cut(), -1);
+  setNames("city.dir", "zip4us.dir", "city.sc", "zip4us.sc");
+  EXPECT_EQ(run(), 0);
+}
+
 TEST_F(CutState, OutputThatCannotBeRewoundIsAFailedWrite) {
   ASSERT_EQ(std::system(("mkfifo " + path("pipe")).c_str()), 0);
   setNames("city.dir", "zip4us.dir", "pipe", "zip4us.sc");
