@@ -181,6 +181,8 @@ class Bench:
                         ["nm", "--defined-only", whole]):
             done = needed(command, "/")
         weak = re.findall(r"^[0-9a-f]+ [WVu] (\S+)$", done.stdout, re.M)
+        if not weak:
+            return
         Path(place + ".weak").write_text("".join(name + "\n" for name in weak))
         needed(["objcopy", f"--localize-symbols={place}.weak", whole, place], "/")
 
