@@ -9,6 +9,7 @@
 
 #include "calls.h"
 #include "comparison.h"
+#include "support/counts.h"
 
 namespace statecut::test {
 namespace {
@@ -55,7 +56,9 @@ class LookupIn : public testing::Test {
   void compareDamaged() {
     int failures = 0;
     std::vector<Call> calls;
+    std::size_t taken = 0;
     for (const Database& database : damagedDatabases()) {
+      if (taken++ % 2 == 0 && !longRun()) continue;  // every second one shows them all
       if (calls.empty()) calls = callsOn(edgeDatabase().file, 1, kFew);
       const std::string difference =
           compareAnswers(Type::variant, database, calls, Soundness::kDamaged, tally_);
