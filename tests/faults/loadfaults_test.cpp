@@ -6,6 +6,7 @@
 
 #include "dbfiles/apiutil.h"
 #include "dbfiles/memory.h"
+#include "dbfiles/stream.h"
 #include "faults.h"
 #include "hash/namehash.h"
 #include "log/clock.h"
@@ -316,6 +317,25 @@ INSTANTIATE_TEST_SUITE_P(Kinds, LogFaults,
                          testing::Values(FaultKind::kOpen, FaultKind::kSeek, FaultKind::kWrite,
                                          FaultKind::kFlush, FaultKind::kClose, FaultKind::kNew),
                          [](const auto& info) { return kindName(info.param); });
+
+TEST(Reads, SmallPiecesInARowAreReadTogether) {
+  constexpr std::size_t kPiece = 16;
+  constexpr std::size_t kPieces = 4096;
+  const TempDir folder;
+  FileBytes bytes(kPiece * kPieces);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(i / 7);
+  writeWholeFile(folder.file("pieces"), bytes);
+  Stream* stream = streamOpen(folder.file("pieces").c_str(), "rb");
+  ASSERT_NE(stream, nullptr);
+  FileBytes read(bytes.size());
+  armFaults({});
+  for (std::size_t i = 0; i < kPieces; ++i)
+    EXPECT_EQ(streamRead(stream, read.data() + i * kPiece, kPiece), kPiece);
+  disarmFaults();
+  EXPECT_LT(callsOf(FaultKind::kRead), kPieces / 64);
+  EXPECT_EQ(read, bytes);
+  EXPECT_EQ(streamClose(stream), 0);
+}
 
 }  // namespace
 }  // namespace statecut::test
