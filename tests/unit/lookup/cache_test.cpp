@@ -146,6 +146,18 @@ TEST_F(BlockCache, BlockAtTheEndOfTheRbaSpaceEndsTheRead) {
   EXPECT_EQ(out_, nullptr);
 }
 
+TEST_F(BlockCache, WholeHitLeavesNothingToRead) {
+  build(64, 2);
+  ASSERT_EQ(get(0, 1, source_), 1);
+  remaining_ = 9;
+  next_ = 9;
+  EXPECT_EQ(chFillDataFromCache(cache(), 3, 4, to_.data(), &remaining_, &next_, &copied_, &proc_),
+            0);
+  EXPECT_EQ(copied_, 4);
+  EXPECT_EQ(remaining_, 0);
+  EXPECT_EQ(next_, 0U);
+}
+
 TEST_F(BlockCache, LengthsOfZeroAndBelow) {
   build(64, 2);
   EXPECT_EQ(get(0, -1, source_), -2);
