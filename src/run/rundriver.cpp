@@ -82,6 +82,7 @@ std::int32_t run(int argc, char** argv) {
   }
   if (cmdLine.displayInfo != 0) {
     displayStates();
+    freeCmdLine();
     return 0;
   }
   std::fputs("Processing ... please wait.\n", stdout);
