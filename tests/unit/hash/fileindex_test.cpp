@@ -122,6 +122,21 @@ TEST_F(FileIndex, WalksSixByteOverflowEntries) {
   EXPECT_EQ(findOff("TXDALLAS", kCityNames), kNotFound);
 }
 
+TEST_F(FileIndex, EveryByteOfANumberCounts) {
+  makeIndex(1, 2);
+  record.set(RefControlRec::cityNamesCount, 2);
+  for (const std::uint32_t high : {0u, 0x01000000u}) {
+    const std::uint32_t expected = high == 0 ? 1 : kNotFound;
+    setSlot(0, 1, checkOf("OKTULSA", kCityNames), high + 1);
+    writeFile(RefControlRec::cityNamesRba, Bytes(34) + cityRecord("OK", "TULSA"));
+    EXPECT_EQ(findOff("OKTULSA", kCityNames), expected);
+    setSlot(0, 2, 0, 0);
+    setOverflow(1, checkOf("OKTULSA", kCityNames), high + 1);
+    writeFile(RefControlRec::cityNamesRba, Bytes(34) + cityRecord("OK", "TULSA"));
+    EXPECT_EQ(findOff("OKTULSA", kCityNames), expected);
+  }
+}
+
 TEST_F(FileIndex, NameLongerThanTheBytesReadMatchesNothing) {
   const std::string fits(40, 'F');
   makeIndex(1);

@@ -90,6 +90,23 @@ TEST_F(NameHash, FirstMatchingOverflowEntryIsFound) {
   EXPECT_EQ(find("TXDALLAS", kCityNames), 2u);
 }
 
+TEST_F(NameHash, EveryByteOfANumberCounts) {
+  makeIndex(1, 5);
+  for (const std::uint32_t high : {0u, 0x01000000u}) {
+    const std::uint32_t expected = high == 0 ? 1 : kNotFound;
+    setSlot(0, 1, checkOf("OKTULSA", kCityNames), high + 1);
+    EXPECT_EQ(find("OKTULSA", kCityNames), expected);
+    setSlot(0, 2, 0, 0);
+    setOverflow(1, checkOf("OKTULSA", kCityNames), high + 1);
+    EXPECT_EQ(find("OKTULSA", kCityNames), expected);
+    setOverflow(1, 0, 0);
+    setSlot(0, 5, 0, 0);
+    setOverflow(4, checkOf("OKTULSA", kCityNames), high + 1);
+    EXPECT_EQ(find("OKTULSA", kCityNames), expected);
+    setOverflow(4, 0, 0);
+  }
+}
+
 TEST_F(NameHash, OverflowChainEndsWithItsTable) {
   makeIndex(1, 3);
   setSlot(0, 2, 0, 2);

@@ -243,6 +243,22 @@ TEST_F(StreetLookups, FilteredListBehindTheEndOfTheFileEnds) {
   EXPECT_EQ(count, kKeyListMax);
 }
 
+TEST_F(StreetLookups, EveryBitOfTheFilterSwitchCounts) {
+  const Bytes bytes = Pack().number(1, 2).number(5, 4).number(1, 1).number(9, 2);
+  const auto at = static_cast<std::uint32_t>(file_.size());
+  file_.insert(file_.end(), bytes.begin(), bytes.end());
+  proc_.files->reference = holding(file_, "list");
+  const std::uint16_t other = 8;
+  for (const std::int32_t filter : {0, 1, 256}) {
+    std::int32_t count = 0;
+    ambgsStreetMatch(bytes, &other, filter, &count);
+    EXPECT_EQ(count, filter == 0 ? 1 : 0) << filter;
+    count = 0;
+    ambgsStreetMatchOff(at, &other, filter, &count);
+    EXPECT_EQ(count, filter == 0 ? 1 : 0) << filter;
+  }
+}
+
 TEST_F(StreetLookups, FailedCacheReadLeavesTheLength) {
   open();
   buildCache(64, 2);
