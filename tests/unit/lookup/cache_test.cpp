@@ -212,9 +212,22 @@ TEST_F(BlockCache, PointerReadTakesItsLengthFromTheRecord) {
   EXPECT_EQ(block_.stageFill, 62);
   EXPECT_TRUE(holds(out_, 62, 62));
   EXPECT_EQ(chGetBlkCacheDataPtr(cache(), 5, 0, &out_, &remaining_, &next_, &copied_), 1);
+  EXPECT_EQ(out_, cache()->entries[1].data + 5);
+  EXPECT_EQ(remaining_, 0);
   EXPECT_EQ(copied_, 5);
   EXPECT_EQ(chGetBlkCacheDataPtr(cache(), 1000, 0, &out_, &remaining_, &next_, &copied_), -1);
   EXPECT_EQ(remaining_, -1);
+}
+
+TEST_F(BlockCache, PointerPieceStagesWhatItsBlockHolds) {
+  build(64, 4);
+  ASSERT_EQ(get(0, 1, source_), 1);
+  EXPECT_EQ(chGetBlkCacheDataPtr(cache(), 60, 10, &out_, &remaining_, &next_, &copied_), -2);
+  EXPECT_EQ(out_, block_.stage);
+  EXPECT_TRUE(holds(out_, 60, 4));
+  EXPECT_EQ(copied_, 4);
+  EXPECT_EQ(remaining_, 6);
+  EXPECT_EQ(next_, 64u);
 }
 
 TEST_F(BlockCache, PointerReadThatDoesNotFitTheStageIsRefused) {
