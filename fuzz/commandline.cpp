@@ -1,5 +1,5 @@
 // The command line of the utility and the state list, from a file and from standard input. The run
-// goes on until it does not find its databases.
+// goes on until it does not find its databases, or cuts the state list when it is named as both.
 
 #include <algorithm>
 #include <cstdio>
