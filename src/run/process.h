@@ -7,7 +7,8 @@ namespace statecut {
 // is ever opened as a standard stream.
 void guardStandardDescriptors();
 
-// Before anything else: guards the descriptors and lets a file-size limit appear as EFBIG.
+// Before anything else: guards the descriptors, lets a file-size limit appear as EFBIG, and makes
+// an end for want of memory one with a message and status 255.
 void prepareProcess();
 
 }  // namespace statecut

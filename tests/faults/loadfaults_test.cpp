@@ -5,6 +5,8 @@
 #include <filesystem>
 
 #include "dbfiles/apiutil.h"
+#include "dbfiles/controlrec.h"
+#include "dbfiles/dbaccess.h"
 #include "dbfiles/memory.h"
 #include "dbfiles/stream.h"
 #include "faults.h"
@@ -317,6 +319,26 @@ INSTANTIATE_TEST_SUITE_P(Kinds, LogFaults,
                          testing::Values(FaultKind::kOpen, FaultKind::kSeek, FaultKind::kWrite,
                                          FaultKind::kFlush, FaultKind::kClose, FaultKind::kNew),
                          [](const auto& info) { return kindName(info.param); });
+
+TEST(ControlRecord, WithoutMemoryIsNotRead) {
+  const TempDir folder;
+  writeWholeFile(folder.file("ref"), tinyPair().ref);
+  Stream* stream = streamOpen(folder.file("ref").c_str(), "rb");
+  ASSERT_NE(stream, nullptr);
+  ProcObj proc{};
+  proc.files = &proc.fileRecord;
+  proc.stats = &proc.statistics;
+  for (const std::uint32_t failing : {0u, 1u}) {
+    proc.refControlRec = nullptr;
+    armFaults({FaultKind::kAllocate, failing});
+    RefControlRec* const record = ReadRefControlRec(stream, &proc);
+    disarmFaults();
+    EXPECT_EQ(record == nullptr, failing != 0);
+    EXPECT_EQ(proc.refControlRec, record);
+    freeTable(record);
+  }
+  EXPECT_EQ(streamClose(stream), 0);
+}
 
 TEST(Reads, SmallPiecesInARowAreReadTogether) {
   constexpr std::size_t kPiece = 16;
