@@ -9,6 +9,7 @@
 
 #include "programs.h"
 #include "sample.h"
+#include "support/paths.h"
 #include "support/process.h"
 #include "verify/verify.h"
 
@@ -47,7 +48,7 @@ class Binaries : public testing::Test {
     Command command;
     command.program = program;
     command.folder = folder_.path();
-    command.input = program == STATEDB_BIN && arguments[0] == "query" ? calls_ : "";
+    command.input = program == kStatedb && arguments[0] == "query" ? calls_ : "";
     command.arguments = std::move(arguments);
     const double before = childSeconds(childUsage());
     ProcessResult result = runProcess(command);
@@ -68,20 +69,19 @@ class Binaries : public testing::Test {
     writeWholeFile(folder_.file("city.dir"), pair.ref);
     writeWholeFile(folder_.file("zip4us.dir"), pair.rng);
     // Done; stamps that differ; a range file without its control record; any other failure.
-    expectEnd(STATECUT_BIN, {"-s", "states"}, {0, 243, 244, 255}, mostSeconds);
-    const int verdict =
-        expectEnd(STATEDB_BIN, {"verify", "--ref", "city.dir", "--rng", "zip4us.dir"}, {0, 1},
-                  mostSeconds)
-            .exitStatus;
+    expectEnd(kStatecut, {"-s", "states"}, {0, 243, 244, 255}, mostSeconds);
+    const int verdict = expectEnd(kStatedb, {"verify", "--ref", "city.dir", "--rng", "zip4us.dir"},
+                                  {0, 1}, mostSeconds)
+                            .exitStatus;
     verify::Options options;
     options.ref = folder_.file("city.dir");
     options.rng = folder_.file("zip4us.dir");
     std::string error;
     EXPECT_EQ(verdict, verify::check(options, error).clean() ? 0 : 1) << error;
-    expectEnd(STATEDB_BIN, {"info", "city.dir", "zip4us.dir"}, {0, 1}, mostSeconds);
-    expectEnd(STATEDB_BIN, {"info", "--json", "city.dir", "zip4us.dir"}, {0, 1}, mostSeconds);
+    expectEnd(kStatedb, {"info", "city.dir", "zip4us.dir"}, {0, 1}, mostSeconds);
+    expectEnd(kStatedb, {"info", "--json", "city.dir", "zip4us.dir"}, {0, 1}, mostSeconds);
     for (const char* mode : {"in", "first", "off"})
-      expectEnd(STATEDB_BIN, {"query", "--ref", "city.dir", "--rng", "zip4us.dir", "--mode", mode},
+      expectEnd(kStatedb, {"query", "--ref", "city.dir", "--rng", "zip4us.dir", "--mode", mode},
                 {0, 1, 2}, mostSeconds);
     EXPECT_EQ(readWholeFile(folder_.file("city.dir")), pair.ref);
     EXPECT_EQ(readWholeFile(folder_.file("zip4us.dir")), pair.rng);

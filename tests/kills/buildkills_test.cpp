@@ -10,6 +10,7 @@
 #include <cerrno>
 
 #include "kills.h"
+#include "support/paths.h"
 
 namespace statecut::test {
 namespace {
@@ -65,7 +66,7 @@ class BuildKills : public testing::TestWithParam<std::tuple<int, int>> {
 
   [[noreturn]] void become() const {
     std::vector<std::string> words = argumentsFor("pair", "1");
-    words.insert(words.begin(), STATEDB_BIN);
+    words.insert(words.begin(), kStatedb);
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
@@ -127,7 +128,7 @@ class BuildKills : public testing::TestWithParam<std::tuple<int, int>> {
 
   void makeOlder() const {
     Command command;
-    command.program = STATEDB_BIN;
+    command.program = kStatedb;
     command.arguments = argumentsFor("older", "99");
     ASSERT_EQ(runProcess(command).exitStatus, 0);
   }

@@ -19,6 +19,7 @@
 #include "lookup/databases.h"
 #include "run/process.h"
 #include "run/rundriver.h"
+#include "support/paths.h"
 
 namespace statecut::test {
 
@@ -97,7 +98,7 @@ void redirect(const std::string& path, int flags, int descriptor) {
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
-  if (manner.loaded) ::execv(STATECUT_BIN, arguments.data());
+  if (manner.loaded) ::execv(kStatecut, arguments.data());
   if (manner.loaded) _exit(127);
   prepareProcess();
   const std::int32_t status = runMain(static_cast<int>(words.size()), arguments.data());

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/linepattern.h"
+#include "support/paths.h"
 
 namespace statecut::test {
 namespace {
@@ -13,7 +14,7 @@ constexpr const char* kStateFile = "states.txt";
 
 Command commandOf(const RandomCase& made, const std::string& folder) {
   Command command;
-  command.program = STATECUT_BIN;
+  command.program = kStatecut;
   command.arguments = {"-v", std::to_string(made.logLevel)};
   if (made.statesFromFile) {
     command.arguments.insert(command.arguments.end(), {"-s", kStateFile});
@@ -58,7 +59,7 @@ secondcut::Inputs inputsOf(const RandomCase& made) {
   inputs.rng = made.rng;
   if (made.statesFromFile) inputs.stateFileName = kStateFile;
   inputs.stateText = made.stateText;
-  inputs.program = STATECUT_BIN;
+  inputs.program = kStatecut;
   inputs.logLevel = made.logLevel;
   inputs.stamp = made.stamp;
   return inputs;

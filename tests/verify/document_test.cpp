@@ -8,13 +8,14 @@
 #include <sstream>
 #include <string>
 
+#include "support/paths.h"
 #include "verify/rules.h"
 
 namespace statecut::test {
 
 namespace {
 
-const std::string kPath = std::string(STATECUT_SOURCE_DIR) + "/docs/verify-rules.md";
+const std::string kPath = std::string(kSourceFolder) + "/docs/verify-rules.md";
 const std::string kBegin = "<!-- rules -->\n";
 const std::string kEnd = "<!-- end -->\n";
 

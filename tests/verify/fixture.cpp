@@ -5,6 +5,7 @@
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/rangefile.h"
 #include "dbbuilder/writer.h"
+#include "support/paths.h"
 
 namespace statecut::test {
 
@@ -41,7 +42,7 @@ PairBytes VerifyFixture::read(const std::string& name) {
 void VerifyFixture::cut(const std::string& name, const std::string& states,
                         const std::string& cut) {
   Command command;
-  command.program = STATECUT_BIN;
+  command.program = kStatecut;
   command.arguments = {"-s", folder_.file("states"),      "-l", folder_.file("log"),
                        "-f", folder_.file(name + ".ref"), "-g", folder_.file(name + ".rng"),
                        "-o", folder_.file(cut + ".ref"),  "-z", folder_.file(cut + ".rng")};

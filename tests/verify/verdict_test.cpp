@@ -10,6 +10,7 @@
 #include "dbfiles/controlrec.h"
 #include "fixture.h"
 #include "support/counts.h"
+#include "support/paths.h"
 
 namespace statecut::test {
 
@@ -223,7 +224,7 @@ TEST_F(Verdict, FilesThatAreNoPairCannotRunWithTheirRuleIgnored) {
 TEST_F(Verdict, CommandLineNeedsSourceAndStatesTogether) {
   const verify::Options options = fixture.options("source");
   Command command;
-  command.program = STATEDB_BIN;
+  command.program = kStatedb;
   command.arguments = {"verify", "--ref", options.ref, "--rng", options.rng};
   EXPECT_EQ(runProcess(command).exitStatus, 0);
   command.arguments.insert(command.arguments.end(), {"--states", "TX"});

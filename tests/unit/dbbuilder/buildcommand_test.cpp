@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "support/paths.h"
 #include "support/process.h"
 #include "unit/dbbuilder/refreader.h"
 
@@ -15,7 +16,7 @@ class BuildCommand : public ::testing::Test {
  protected:
   ProcessResult build(std::vector<std::string> arguments) {
     Command command;
-    command.program = STATEDB_BIN;
+    command.program = kStatedb;
     command.arguments = {"build"};
     command.arguments.insert(command.arguments.end(), arguments.begin(), arguments.end());
     command.folder = folder_.path();
@@ -129,7 +130,7 @@ TEST_F(BuildCommand, VerifyFindsNothingWrong) {
   for (const std::string profile : {"tiny", "small"}) {
     ASSERT_EQ(build({"--out", profile, "--profile", profile}).exitStatus, 0);
     Command verify;
-    verify.program = STATEDB_BIN;
+    verify.program = kStatedb;
     verify.arguments = {"verify", "--ref", folder_.file(profile + "/city.dir"), "--rng",
                         folder_.file(profile + "/zip4us.dir")};
     const ProcessResult run = runProcess(verify);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "dbbuilder/places.h"
+#include "support/paths.h"
 #include "support/process.h"
 
 namespace statecut::builder {
@@ -43,7 +44,9 @@ TEST_F(PlacesCsv, FourColumnsAreEnough) {
 }
 
 TEST_F(PlacesCsv, NationalFileIsInOrder) {
-  ASSERT_TRUE(readPlaces(STATECUT_SOURCE_DIR "/data/us_zip_city.csv", places_, error_)) << error_;
+  ASSERT_TRUE(
+      readPlaces(std::string(test::kSourceFolder) + "/data/us_zip_city.csv", places_, error_))
+      << error_;
   EXPECT_EQ(places_.size(), 42745U);
 }
 

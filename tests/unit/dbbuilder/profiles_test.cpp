@@ -12,6 +12,7 @@
 #include "dbbuilder/places.h"
 #include "dbbuilder/writer.h"
 #include "support/counts.h"
+#include "support/paths.h"
 #include "unit/dbbuilder/refreader.h"
 
 namespace statecut::builder {
@@ -31,7 +32,8 @@ std::vector<Profile> profiles() {
   if (!test::longRun()) return all;
   all.push_back({"national", {}, nationalOptions()});
   std::string error;
-  EXPECT_TRUE(readPlaces(STATECUT_SOURCE_DIR "/data/us_zip_city.csv", all[2].places, error))
+  EXPECT_TRUE(
+      readPlaces(std::string(test::kSourceFolder) + "/data/us_zip_city.csv", all[2].places, error))
       << error;
   all[2].options.rangeBytes = 1 << 20;
   return all;

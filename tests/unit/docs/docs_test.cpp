@@ -13,12 +13,13 @@
 #include "dbfiles/controlrec.h"
 #include "fieldtables.h"
 #include "log/utllgmsg.h"
+#include "support/paths.h"
 #include "tables/rows.h"
 
 namespace statecut::docs {
 namespace {
 
-const std::string kDocs = std::string(STATECUT_SOURCE_DIR) + "/docs/";
+const std::string kDocs = std::string(test::kSourceFolder) + "/docs/";
 
 std::string slurp(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
@@ -155,7 +156,7 @@ TEST(MessagesDocument, MessageTableEqualsTheCode) {
 // Comments and code speak of lines that never change; each of them is in the document.
 TEST(MessagesDocument, EveryFixedPlaceIsListed) {
   const std::string document = slurp(kDocs + "messages.md");
-  const std::string sites = slurp(std::string(STATECUT_SOURCE_DIR) + "/src/cut/logsites.h");
+  const std::string sites = slurp(std::string(test::kSourceFolder) + "/src/cut/logsites.h");
   const std::regex site("\\{k(Dbaccess|Cutstate), ([0-9]+)\\}");
   std::size_t found = 0;
   for (std::sregex_iterator it(sites.begin(), sites.end(), site), end; it != end; ++it, ++found) {

@@ -10,6 +10,7 @@
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/writer.h"
 #include "dbfiles/controlrec.h"
+#include "support/paths.h"
 #include "support/process.h"
 
 namespace statecut::test {
@@ -264,7 +265,7 @@ TEST_F(Info, FileThatCannotBeOpenedGivesTwoAndTheOthersAreShown) {
 
 TEST_F(Info, CommandLineWithoutFilesGivesTwo) {
   Command command;
-  command.program = STATEDB_BIN;
+  command.program = kStatedb;
   command.arguments = {"info", write("a", reference())};
   EXPECT_EQ(runProcess(command).exitStatus, 0);
   command.arguments = {"info"};
