@@ -65,19 +65,12 @@ class Base:
                 copy.unlink()
 
     def make(self, jobs):
-        flags = ["-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=g++", "-DSTATECUT_CCACHE=OFF",
-                 "-DSTATECUT_TEST_OPTIONS=-O0"]
-        if shutil.which("ld.gold"):
-            flags.append("-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold")
-        for name, options, targets in ((BASE, [], ["all"]), (SANITIZED, SANITIZERS, ["statecut_core"])):
+        linker = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold"] if shutil.which("ld.gold") else []
+        for name, preset, target in ((BASE, "mutants", "all"), (SANITIZED, "mutants-asan", "statecut_core")):
             build = self.folder / name
-            options = "-DCMAKE_CXX_FLAGS=" + " ".join(["-O1 -g0", *options])
-            for command in (
-                    ["cmake", "-S", str(self.tree), "-B", str(build), "-G", "Ninja", *flags, options],
-                    ["ninja", "-C", str(build), "-j", str(jobs), *targets]):
-                done = run(command, self.folder)
-                if done.returncode != 0:
-                    raise BuildError(done.stdout[-4000:])
+            needed(["cmake", "--preset", preset, "-B", str(build), *linker], self.tree)
+            needed(["cmake", "--build", str(build), "--parallel", str(jobs), "--target", target],
+                   self.folder)
             self.compiles[name] = {}  # source -> (object, command)
             for entry in json.loads((build / "compile_commands.json").read_text()):
                 command = shlex.split(entry["command"])
