@@ -17,9 +17,8 @@ install(FILES ${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake DESTINATION ${pa
 file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/statecut/*.h)
 install(FILES ${headers} DESTINATION ${header_dir})
 foreach(header IN ITEMS
-    log/procobj.h log/seedlog.h log/utllgmsg.h
-    dbfiles/apiutil.h dbfiles/controlrec.h dbfiles/le.h dbfiles/memory.h dbfiles/row.h
-    dbfiles/stream.h
+    base/le.h base/memory.h base/procobj.h base/row.h base/stream.h
+    log/seedlog.h log/utllgmsg.h dbfiles/apiutil.h dbfiles/controlrec.h
     tables/dbapi.h tables/refpointers.h tables/rows.h tables/tolvfree.h
     lookup/cache.h lookup/cities.h lookup/dispatch.h lookup/firm.h lookup/session.h
     lookup/street.h lookup/tablesets.h lookup/zip.h)

@@ -7,14 +7,14 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/clock.h"
+#include "base/procobj.h"
 #include "cut/guards.h"
 #include "cut/workstate.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/rangefile.h"
 #include "dbbuilder/writer.h"
 #include "dbfiles/controlrec.h"
-#include "log/clock.h"
-#include "log/procobj.h"
 #include "run/rundriver.h"
 #include "run/settings.h"
 #include "tables/refpointers.h"

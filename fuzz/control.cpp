@@ -3,12 +3,12 @@
 
 #include <sstream>
 
+#include "base/cmdline.h"
+#include "base/memory.h"
 #include "basepair.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/dbaccess.h"
-#include "dbfiles/memory.h"
 #include "info/info.h"
-#include "log/cmdline.h"
 #include "log/utllgmsg.h"
 
 using namespace statecut;

@@ -3,12 +3,12 @@
 
 #include <cstring>
 
+#include "base/memory.h"
 #include "basepair.h"
 #include "dbbuilder/bytes.h"
 #include "dbbuilder/nameindex.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/memory.h"
 #include "hash/namehash.h"
 #include "tables/refpointers.h"
 #include "tables/rows.h"

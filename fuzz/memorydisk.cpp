@@ -10,7 +10,7 @@
 #include <memory>
 #include <unordered_set>
 
-#include "dbfiles/system.h"
+#include "base/system.h"
 
 namespace statecut::fuzz {
 

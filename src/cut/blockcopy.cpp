@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdio>
 
+#include "base/procobj.h"
 #include "cut/guards.h"
 #include "cut/workstate.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/dbaccess.h"
-#include "log/procobj.h"
 
 namespace statecut {
 

@@ -1,9 +1,9 @@
 #include "cut/closedbs.h"
 
+#include "base/memory.h"
+#include "base/procobj.h"
 #include "cut/guards.h"
 #include "cut/workstate.h"
-#include "dbfiles/memory.h"
-#include "log/procobj.h"
 #include "tables/refpointers.h"
 #include "tables/tolvfree.h"
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "log/procobj.h"
+#include "base/procobj.h"
 
 namespace statecut {
 

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/cmdline.h"
+#include "base/procobj.h"
 #include "cut/closedbs.h"
 #include "cut/cutlog.h"
 #include "cut/guards.h"
@@ -16,8 +18,6 @@
 #include "cut/zipselect.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/dbaccess.h"
-#include "log/cmdline.h"
-#include "log/procobj.h"
 
 namespace statecut {
 

@@ -4,10 +4,11 @@
 #include <cstring>
 #include <string>
 
+#include "base/cmdline.h"
+#include "base/procobj.h"
+#include "base/samefile.h"
 #include "cut/cutlog.h"
 #include "cut/workstate.h"
-#include "log/cmdline.h"
-#include "log/procobj.h"
 
 namespace statecut {
 

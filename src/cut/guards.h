@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 
 namespace statecut {
 

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "base/memory.h"
+#include "base/procobj.h"
 #include "cut/guards.h"
 #include "cut/multizipsize.h"
 #include "cut/progress.h"
 #include "cut/rangecopy.h"
 #include "cut/rangeplan.h"
 #include "cut/zipselect.h"
-#include "dbfiles/memory.h"
-#include "log/procobj.h"
 #include "lookup/cities.h"
 #include "tables/refpointers.h"
 

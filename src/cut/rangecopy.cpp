@@ -2,11 +2,11 @@
 
 #include <vector>
 
+#include "base/procobj.h"
 #include "cut/guards.h"
 #include "cut/progress.h"
 #include "cut/rangeplan.h"
 #include "cut/zipselect.h"
-#include "log/procobj.h"
 #include "tables/refpointers.h"
 
 namespace statecut {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "base/procobj.h"
 #include "cut/blockcopy.h"
 #include "cut/guards.h"
 #include "cut/workstate.h"
-#include "log/procobj.h"
 
 namespace statecut {
 

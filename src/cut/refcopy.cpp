@@ -1,14 +1,14 @@
 #include "cut/refcopy.h"
 
+#include "base/memory.h"
+#include "base/procobj.h"
 #include "cut/blockcopy.h"
 #include "cut/cutlog.h"
 #include "cut/guards.h"
 #include "cut/refwrite.h"
 #include "cut/workstate.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/memory.h"
 #include "hash/namehash.h"
-#include "log/procobj.h"
 #include "tables/dbapi.h"
 #include "tables/refpointers.h"
 

@@ -5,11 +5,11 @@
 #include <cstring>
 #include <span>
 
+#include "base/cmdline.h"
+#include "base/memory.h"
 #include "cut/cutlog.h"
 #include "cut/workstate.h"
-#include "dbfiles/memory.h"
 #include "hash/namehash.h"
-#include "log/cmdline.h"
 #include "tables/refpointers.h"
 
 namespace statecut {

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
+#include "base/procobj.h"
+#include "base/stream.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/stream.h"
-#include "log/procobj.h"
 
 namespace statecut {
 

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "dbfiles/memory.h"
-#include "log/cmdline.h"
+#include "base/cmdline.h"
+#include "base/memory.h"
 #include "tables/refpointers.h"
 
 namespace statecut {

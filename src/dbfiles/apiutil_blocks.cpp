@@ -1,7 +1,7 @@
 #include <cerrno>
 
+#include "base/assertion.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/assertion.h"
 #include "dbfiles/blockread.h"
 
 namespace statecut {

@@ -1,7 +1,7 @@
 #include <cstring>
 
+#include "base/le.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/le.h"
 
 namespace statecut {
 

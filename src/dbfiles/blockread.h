@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <span>
 
-#include "dbfiles/stream.h"
-#include "log/procobj.h"
+#include "base/procobj.h"
+#include "base/stream.h"
 #include "log/utllgmsg.h"
 
 namespace statecut {

@@ -1,10 +1,10 @@
 #include <array>
 #include <cstddef>
 
+#include "base/memory.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/blockread.h"
 #include "dbfiles/dbaccess.h"
-#include "dbfiles/memory.h"
 
 namespace statecut {
 

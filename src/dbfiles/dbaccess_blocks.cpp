@@ -1,7 +1,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "dbfiles/assertion.h"
+#include "base/assertion.h"
 #include "dbfiles/blockread.h"
 #include "dbfiles/dbaccess.h"
 

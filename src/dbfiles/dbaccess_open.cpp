@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/cmdline.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/blockread.h"
 #include "dbfiles/dbaccess.h"
-#include "log/cmdline.h"
 
 namespace statecut {
 

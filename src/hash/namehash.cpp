@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstring>
 
-#include "dbfiles/memory.h"
+#include "base/memory.h"
 #include "hash/search.h"
 
 namespace statecut {

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstring>
 
+#include "base/stream.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/stream.h"
 #include "hash/search.h"
 
 namespace statecut {

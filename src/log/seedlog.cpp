@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 
 namespace statecut {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "../log/procobj.h"
+#include "../base/procobj.h"
 
 namespace statecut {
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "dbfiles/stream.h"
-#include "log/clock.h"
+#include "base/clock.h"
+#include "base/stream.h"
 #include "log/firsterror.h"
 
 namespace statecut {

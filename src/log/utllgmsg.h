@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "../log/procobj.h"
+#include "../base/procobj.h"
 
 namespace statecut {
 

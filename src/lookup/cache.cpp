@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "dbfiles/system.h"
+#include "base/system.h"
 
 namespace statecut {
 

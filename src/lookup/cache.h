@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "../dbfiles/stream.h"
-#include "../log/procobj.h"
+#include "../base/procobj.h"
+#include "../base/stream.h"
 
 namespace statecut {
 

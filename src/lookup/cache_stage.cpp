@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "base/system.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/system.h"
 #include "log/utllgmsg.h"
 #include "lookup/cache.h"
 

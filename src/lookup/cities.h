@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "../log/procobj.h"
+#include "../base/procobj.h"
 #include "../tables/rows.h"
 
 namespace statecut {

@@ -2,7 +2,7 @@
 // The pointers through which the lookups are called when the variant is open. A null pointer
 // counts as holding the First variant (findStreetVartn: the In variant).
 
-#include "../log/procobj.h"
+#include "../base/procobj.h"
 #include "../lookup/cities.h"
 #include "../lookup/firm.h"
 #include "../lookup/street.h"

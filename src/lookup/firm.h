@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "../log/procobj.h"
+#include "../base/procobj.h"
 #include "../lookup/street.h"
 #include "../tables/rows.h"
 

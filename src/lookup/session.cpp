@@ -3,8 +3,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/memory.h"
+#include "base/samefile.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/memory.h"
 #include "lookup/support.h"
 
 namespace statecut {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "../base/procobj.h"
 #include "../dbfiles/controlrec.h"
-#include "../log/procobj.h"
 #include "../lookup/cache.h"
 #include "../lookup/dispatch.h"
 #include "../lookup/tablesets.h"

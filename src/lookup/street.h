@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "../log/procobj.h"
+#include "../base/procobj.h"
 
 namespace statecut {
 

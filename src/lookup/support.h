@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
+#include "base/procobj.h"
 #include "dbfiles/controlrec.h"
-#include "log/procobj.h"
 #include "log/utllgmsg.h"
 #include "tables/dbapi.h"
 #include "tables/refpointers.h"

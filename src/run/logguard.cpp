@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <iterator>
 
-#include "dbfiles/stream.h"
-#include "log/cmdline.h"
+#include "base/cmdline.h"
+#include "base/samefile.h"
 #include "log/utllgmsg.h"
 
 namespace statecut {

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <new>
 
+#include "base/clock.h"
+#include "base/cmdline.h"
+#include "base/procobj.h"
 #include "cut/cutstate.h"
-#include "log/clock.h"
-#include "log/cmdline.h"
-#include "log/procobj.h"
 #include "log/utllgmsg.h"
 #include "run/logguard.h"
 #include "run/settings.h"

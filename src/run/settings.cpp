@@ -10,8 +10,8 @@
 #include <new>
 #include <string>
 
-#include "dbfiles/system.h"
-#include "log/cmdline.h"
+#include "base/cmdline.h"
+#include "base/system.h"
 #include "log/utllgmsg.h"
 #include "run/statelist.h"
 

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <iterator>
 
-#include "dbfiles/stream.h"
-#include "log/cmdline.h"
+#include "base/cmdline.h"
+#include "base/stream.h"
 #include "run/process.h"
 #include "run/statetable.h"
 

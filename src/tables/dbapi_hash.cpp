@@ -1,6 +1,6 @@
 // The name hash table and the two tables that carry their own counts in the file.
+#include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/memory.h"
 #include "log/utllgmsg.h"
 #include "tables/rows.h"
 #include "tables/tableload.h"

@@ -3,7 +3,7 @@
 
 #include <tuple>
 
-#include "../dbfiles/row.h"
+#include "../base/row.h"
 
 namespace statecut {
 

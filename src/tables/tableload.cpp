@@ -1,7 +1,7 @@
 #include "tables/tableload.h"
 
+#include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/memory.h"
 #include "log/utllgmsg.h"
 
 namespace statecut {

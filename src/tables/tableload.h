@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <span>
 
+#include "base/procobj.h"
+#include "base/stream.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/stream.h"
-#include "log/procobj.h"
 #include "tables/dbapi.h"
 #include "tables/refpointers.h"
 

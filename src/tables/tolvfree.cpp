@@ -3,8 +3,8 @@
 #include <cstring>
 #include <span>
 
+#include "base/memory.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/memory.h"
 #include "log/utllgmsg.h"
 #include "tables/refpointers.h"
 

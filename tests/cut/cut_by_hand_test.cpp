@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "support/cutcomparison.h"
 #include "support/linepattern.h"
 

@@ -8,9 +8,9 @@
 #include <ctime>
 #include <sstream>
 
+#include "base/procobj.h"
 #include "cut/closedbs.h"
 #include "info/info.h"
-#include "log/procobj.h"
 #include "lookup/session.h"
 #include "query/run.h"
 #include "run/rundriver.h"

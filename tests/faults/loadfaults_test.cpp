@@ -4,15 +4,15 @@
 
 #include <filesystem>
 
+#include "base/clock.h"
+#include "base/memory.h"
+#include "base/procobj.h"
+#include "base/stream.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/controlrec.h"
 #include "dbfiles/dbaccess.h"
-#include "dbfiles/memory.h"
-#include "dbfiles/stream.h"
 #include "faults.h"
 #include "hash/namehash.h"
-#include "log/clock.h"
-#include "log/procobj.h"
 #include "log/seedlog.h"
 #include "log/utllgmsg.h"
 #include "tables/dbapi.h"

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/le.h"
 #include "call.h"
 #include "dbbuilder/random.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/le.h"
 
 namespace statecut::test {
 

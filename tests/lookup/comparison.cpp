@@ -7,8 +7,8 @@
 #include <iterator>
 #include <optional>
 
+#include "base/le.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/le.h"
 #include "oracle.h"
 
 namespace statecut::test {

@@ -1,9 +1,9 @@
 #include "databases.h"
 
+#include "base/le.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/random.h"
 #include "dbbuilder/writer.h"
-#include "dbfiles/le.h"
 #include "support/randomdb.h"
 
 namespace statecut::test {

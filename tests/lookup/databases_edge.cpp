@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "base/le.h"
 #include "databases.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/writer.h"
 #include "dbfiles/controlrec.h"
-#include "dbfiles/le.h"
 
 namespace statecut::test {
 

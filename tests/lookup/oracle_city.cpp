@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "oracle.h"
 #include "oracle_buffers.h"
 

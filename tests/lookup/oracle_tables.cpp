@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "oracle.h"
 
 namespace statecut::test {

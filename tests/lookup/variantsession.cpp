@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "dbfiles/memory.h"
-#include "dbfiles/stream.h"
+#include "base/memory.h"
+#include "base/stream.h"
 #include "tables/dbapi.h"
 #include "tables/refpointers.h"
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
+#include "base/procobj.h"
 #include "call.h"
 #include "dbfiles/controlrec.h"
-#include "log/procobj.h"
 #include "lookup/cache.h"
 #include "lookup/dispatch.h"
 #include "lookup/street.h"

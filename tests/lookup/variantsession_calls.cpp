@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/le.h"
+#include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/le.h"
-#include "dbfiles/memory.h"
 #include "tables/refpointers.h"
 #include "variantsession.h"
 

@@ -16,7 +16,7 @@
 #include <sstream>
 #include <utility>
 
-#include "dbfiles/system.h"
+#include "base/system.h"
 
 namespace statecut::test {
 namespace {

@@ -12,8 +12,8 @@
 #include <regex>
 #include <sstream>
 
-#include "dbfiles/le.h"
-#include "dbfiles/memory.h"
+#include "base/le.h"
+#include "base/memory.h"
 #include "log/utllgmsg.h"
 
 namespace statecut::test {

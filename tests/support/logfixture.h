@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "dbfiles/stream.h"
-#include "log/procobj.h"
+#include "base/procobj.h"
+#include "base/stream.h"
 
 namespace statecut::test {
 

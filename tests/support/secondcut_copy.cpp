@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "support/secondcut_state.h"
 
 namespace statecut::secondcut {

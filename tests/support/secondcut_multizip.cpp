@@ -1,6 +1,6 @@
 // The multi-ZIP partitions that cities and ZIP codes of the cut share.
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "support/secondcut_state.h"
 
 namespace statecut::secondcut {

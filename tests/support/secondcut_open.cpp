@@ -4,7 +4,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "support/secondcut_state.h"
 
 namespace statecut::secondcut {

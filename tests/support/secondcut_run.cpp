@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "support/linepattern.h"
 #include "support/secondcut_state.h"
 

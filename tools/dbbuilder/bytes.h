@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/le.h"
 #include "dbbuilder/model.h"
-#include "dbfiles/le.h"
 
 namespace statecut::builder {
 

@@ -3,9 +3,9 @@
 #include <tuple>
 #include <utility>
 
+#include "base/le.h"
 #include "dbbuilder/draft.h"
 #include "dbbuilder/words.h"
-#include "dbfiles/le.h"
 
 namespace statecut::builder {
 

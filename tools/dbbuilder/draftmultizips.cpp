@@ -1,7 +1,7 @@
 #include <algorithm>
 
+#include "base/le.h"
 #include "dbbuilder/draft.h"
-#include "dbfiles/le.h"
 
 namespace statecut::builder {
 

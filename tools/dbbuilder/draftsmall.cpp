@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/le.h"
 #include "dbbuilder/draft.h"
-#include "dbfiles/le.h"
 
 namespace statecut::builder {
 

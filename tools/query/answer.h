@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "dbfiles/row.h"
+#include "base/row.h"
 
 namespace statecut::query {
 

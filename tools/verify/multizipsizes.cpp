@@ -1,6 +1,6 @@
 #include "verify/multizipsizes.h"
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 
 namespace statecut::verify {
 

@@ -1,10 +1,10 @@
 #include <filesystem>
 
+#include "base/stream.h"
 #include "cut/blockcopy.h"
 #include "cut/guards.h"
 #include "cut/rangecopy.h"
 #include "cut/refcopy.h"
-#include "dbfiles/stream.h"
 #include "unit/cut/cutbench.h"
 
 namespace {

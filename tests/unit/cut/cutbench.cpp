@@ -7,10 +7,10 @@
 #include <iterator>
 #include <sstream>
 
+#include "base/cmdline.h"
+#include "base/memory.h"
+#include "base/stream.h"
 #include "cut/guards.h"
-#include "dbfiles/memory.h"
-#include "dbfiles/stream.h"
-#include "log/cmdline.h"
 
 namespace cutbench {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/procobj.h"
 #include "cut/workstate.h"
 #include "dbfiles/controlrec.h"
-#include "log/procobj.h"
 #include "tables/refpointers.h"
 
 namespace cutbench {

@@ -7,12 +7,12 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "base/cmdline.h"
+#include "base/stream.h"
 #include "cut/refcopy.h"
 #include "dbbuilder/places.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/writer.h"
-#include "dbfiles/stream.h"
-#include "log/cmdline.h"
 #include "unit/cut/cutbench.h"
 
 namespace {

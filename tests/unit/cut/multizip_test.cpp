@@ -1,10 +1,10 @@
 #include "cut/multizip.h"
 
+#include "base/le.h"
+#include "base/memory.h"
+#include "base/stream.h"
 #include "cut/multizipsize.h"
 #include "cut/rangecopy.h"
-#include "dbfiles/le.h"
-#include "dbfiles/memory.h"
-#include "dbfiles/stream.h"
 #include "unit/cut/cutbench.h"
 
 namespace {

@@ -3,9 +3,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/stream.h"
 #include "cut/blockcopy.h"
 #include "cut/guards.h"
-#include "dbfiles/stream.h"
 #include "unit/cut/cutbench.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "cut/refupdate.h"
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 #include "hash/namehash.h"
 #include "unit/cut/cutbench.h"
 

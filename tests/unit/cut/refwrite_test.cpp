@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 
+#include "base/memory.h"
+#include "base/stream.h"
 #include "cut/closedbs.h"
 #include "cut/guards.h"
-#include "dbfiles/memory.h"
-#include "dbfiles/stream.h"
 #include "unit/cut/cutbench.h"
 
 namespace {

@@ -6,8 +6,8 @@
 
 #include <optional>
 
+#include "base/le.h"
 #include "dbbuilder/random.h"
-#include "dbfiles/le.h"
 
 namespace statecut::builder {
 namespace {

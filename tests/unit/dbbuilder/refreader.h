@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "dbfiles/le.h"
+#include "base/le.h"
 
 namespace statecut::test {
 

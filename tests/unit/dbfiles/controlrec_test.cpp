@@ -2,9 +2,9 @@
 #include <string>
 #include <vector>
 
+#include "base/memory.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/dbaccess.h"
-#include "dbfiles/memory.h"
 #include "unit/dbfiles/dumpwords.h"
 #include "unit/dbfiles/records.h"
 

@@ -4,8 +4,8 @@
 
 #include <cerrno>
 
+#include "base/stream.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/stream.h"
 
 namespace statecut {
 namespace {

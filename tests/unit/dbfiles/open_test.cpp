@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "base/cmdline.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/dbaccess.h"
-#include "log/cmdline.h"
 #include "unit/dbfiles/records.h"
 
 namespace statecut {

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 #include "hash/namehash.h"
 #include "unit/hash/hashbench.h"
 

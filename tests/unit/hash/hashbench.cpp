@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "dbfiles/le.h"
-#include "dbfiles/memory.h"
+#include "base/le.h"
+#include "base/memory.h"
 #include "hash/namehash.h"
 
 namespace hashbench {

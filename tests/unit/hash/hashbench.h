@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/procobj.h"
 #include "dbfiles/controlrec.h"
-#include "log/procobj.h"
 #include "tables/refpointers.h"
 
 namespace hashbench {

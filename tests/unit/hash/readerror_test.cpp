@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 #include "hash/namehash.h"
 #include "unit/hash/hashbench.h"
 

@@ -4,9 +4,9 @@
 #include <ctime>
 #include <string>
 
-#include "dbfiles/stream.h"
-#include "log/clock.h"
-#include "log/procobj.h"
+#include "base/clock.h"
+#include "base/procobj.h"
+#include "base/stream.h"
 #include "log/utllgmsg.h"
 #include "unit/log/sandbox.h"
 

@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "dbfiles/memory.h"
+#include "base/memory.h"
 #include "lookupbench.h"
 
 namespace statecut::test {

@@ -1,5 +1,5 @@
+#include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/memory.h"
 #include "lookupbench.h"
 
 namespace statecut::test {

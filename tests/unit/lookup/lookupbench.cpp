@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dbfiles/memory.h"
+#include "base/memory.h"
 #include "tables/dbapi.h"
 
 namespace statecut::test {

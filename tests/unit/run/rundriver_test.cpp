@@ -3,9 +3,9 @@
 #include <csignal>
 #include <utility>
 
-#include "log/clock.h"
-#include "log/cmdline.h"
-#include "log/procobj.h"
+#include "base/clock.h"
+#include "base/cmdline.h"
+#include "base/procobj.h"
 #include "run/process.h"
 #include "unit/log/sandbox.h"
 #include "unit/run/arguments.h"

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <utility>
 
-#include "dbfiles/stream.h"
-#include "log/cmdline.h"
+#include "base/cmdline.h"
+#include "base/stream.h"
 #include "run/usage.h"
 #include "unit/log/sandbox.h"
 #include "unit/run/arguments.h"

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "log/cmdline.h"
+#include "base/cmdline.h"
 #include "run/settings.h"
 #include "run/statetable.h"
 #include "unit/log/sandbox.h"

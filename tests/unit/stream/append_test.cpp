@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
-#include "dbfiles/stream.h"
+#include "base/stream.h"
+#include "base/samefile.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "dbfiles/memory.h"
+#include "base/memory.h"
 
 namespace statecut {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "dbfiles/memory.h"
+#include "base/memory.h"
 #include "support/logfixture.h"
 #include "tables/dbapi.h"
 #include "tables/refpointers.h"

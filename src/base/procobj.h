@@ -7,7 +7,7 @@
 
 namespace statecut {
 
-struct Stream;             // dbfiles/stream.h
+struct Stream;             // base/stream.h
 struct RefControlRec;      // dbfiles/controlrec.h
 struct RngControlRec;      // dbfiles/controlrec.h
 struct CacheControlBlock;  // lookup/cache.h

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 
 namespace statecut {
 

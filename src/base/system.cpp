@@ -1,4 +1,4 @@
-#include "dbfiles/system.h"
+#include "base/system.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,6 +1,6 @@
-#include "dbfiles/memory.h"
+#include "base/memory.h"
 
-#include "dbfiles/system.h"
+#include "base/system.h"
 
 namespace statecut {
 

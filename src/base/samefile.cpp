@@ -1,11 +1,11 @@
+#include "base/samefile.h"
+
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <climits>
 #include <optional>
 #include <string>
-
-#include "dbfiles/stream.h"
 
 namespace statecut {
 

@@ -8,7 +8,7 @@
 #include <span>
 #include <tuple>
 
-#include "../dbfiles/le.h"
+#include "../base/le.h"
 
 namespace statecut {
 

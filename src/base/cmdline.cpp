@@ -1,4 +1,4 @@
-#include "log/cmdline.h"
+#include "base/cmdline.h"
 
 namespace statecut {
 

@@ -2,8 +2,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "dbfiles/streamstate.h"
-#include "dbfiles/system.h"
+#include "base/streamstate.h"
+#include "base/system.h"
 
 namespace statecut {
 

@@ -1,4 +1,4 @@
-#include "dbfiles/assertion.h"
+#include "base/assertion.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "log/procobj.h"
+#include "base/procobj.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "dbfiles/stream.h"
+#include "base/stream.h"
 
 #include <fcntl.h>
 
@@ -7,8 +7,8 @@
 #include <memory>
 #include <new>
 
-#include "dbfiles/streamstate.h"
-#include "dbfiles/system.h"
+#include "base/streamstate.h"
+#include "base/system.h"
 
 namespace statecut {
 

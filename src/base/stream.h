@@ -44,8 +44,4 @@ int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno s
 // True when it did, or the file is shorter now than when the stream was opened.
 [[nodiscard]] bool streamShrank(const Stream* stream);
 
-// True when both names lead to one regular file, however aliased: by device and inode where they
-// exist, by their folder and the name in it where neither does. Devices never.
-[[nodiscard]] bool sameFile(const char* a, const char* b);
-
 }  // namespace statecut
