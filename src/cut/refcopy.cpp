@@ -40,7 +40,8 @@ std::int32_t load(const LoadedTable& table, std::uint64_t bytes, std::uint32_t r
   }
   Stream* from = pProcObj->files->reference;
   if (inError(from)) return table.failure;
-  if (dbReadFile(from, rba, static_cast<std::int32_t>(bytes), block, pProcObj) < 0) {
+  if (dbReadFile(from, rba, static_cast<std::int32_t>(bytes), block, pProcObj) < 0 ||
+      inError(from)) {
     readRefError(table.errorName, pProcObj);
     return table.failure;
   }
@@ -61,10 +62,10 @@ void copyMoved(Num<At, 4> rbaField, std::uint32_t bytes) {
   copyPartition(rba, bytes);
 }
 
-// False when a loader failed or the source can no longer be read.
+// False when the loader failed or the source could not be read before it.
 bool loaded(TableReader* reader) {
   Stream* from = pProcObj->files->reference;
-  return !inError(from) && reader(from, refControl(), pProcObj) == 0 && !inError(from);
+  return !inError(from) && reader(from, refControl(), pProcObj) == 0;
 }
 
 bool copyCityTables() {
@@ -102,11 +103,7 @@ void copyNameTables() {
 }
 
 bool loadIndexTables() {
-  // A database that is itself a cut no longer has the table that a cut selects by.
-  if (refWord(Directory::zipBytesRba) == 0 && refWord(Directory::zipDataCount) != 0) {
-    readRefError("Zip Bytes Table", pProcObj);
-    return false;
-  }
+  // A database that is itself a cut no longer has the tables that a cut selects by.
   if (!loaded(dbReadBytesTables) || !loaded(dbReadHashedNames)) return false;
   if (refWord(Directory::militaryRba) != 0 && !loaded(dbReadMilitaryTable)) return false;
   return refWord(Directory::pobZonesRba) == 0 || loaded(dbReadPOBZone);

@@ -1,6 +1,7 @@
 #pragma once
 // Table readers: each loads whole tables of an open reference file into their refPointers slots
-// and returns 0 or its own negative code (logged). Slots of earlier tables stay filled.
+// and returns 0 or its own negative code (logged). Slots of earlier tables stay filled. A read that
+// leaves the stream in error has failed. The stream must not be in error before.
 
 #include <cstdint>
 
@@ -32,7 +33,7 @@ TableReader dbReadFirmNames;        // -13
 TableReader dbReadGenDelivery;      // -14
 TableReader dbReadSCFTable;         // -15
 TableReader dbReadMultiZipTable;    // -16
-TableReader dbReadBytesTables;      // -17
+TableReader dbReadBytesTables;      // -17; also when one is not in the file: an RBA of 0, bytes
 TableReader dbReadHashedNames;      // -18
 TableReader dbReadMilitaryTable;    // -19; does not test its RBA for 0
 TableReader dbReadPOBZone;          // -20; does not test its RBA for 0

@@ -45,7 +45,6 @@ std::int32_t dbReadMilitaryTable(Stream* file, const RefControlRec* controlRecor
   if (controlRecord == nullptr) return failed(kHeader, kMilitaryFailed, proc);
   const std::uint32_t rba = controlRecord->get(Ref::militaryRba);
   unsigned char* const header = refPointers[kSlotMilitaryHeader].bytes;
-  // Reading on behind a read error would abort.
   if (dbReadFile(file, rba, kMilitaryHeaderBytes, header, proc) < 0 || streamError(file))
     return failed(kHeader, kMilitaryFailed, proc);
 
@@ -55,8 +54,8 @@ std::int32_t dbReadMilitaryTable(Stream* file, const RefControlRec* controlRecor
   // A failed allocation is reported as a failed read; that is meant.
   if (block == nullptr) return failed("Military Alias Table - malloc", kMilitaryFailed, proc);
   logTableSize("Military Alias Table", bytes, proc);
-  if (dbReadFile(file, rba + kMilitaryHeaderBytes, static_cast<std::int32_t>(bytes), block, proc) <
-      0) {
+  const auto count = static_cast<std::int32_t>(bytes);
+  if (dbReadFile(file, rba + kMilitaryHeaderBytes, count, block, proc) < 0 || streamError(file)) {
     freeTable(block);
     return failed("Military Alias Table - read", kMilitaryFailed, proc);
   }
@@ -81,8 +80,8 @@ std::int32_t dbReadPOBZone(Stream* file, const RefControlRec* controlRecord, Pro
   refPointers[kSlotPobZones].table = static_cast<unsigned char*>(block);
   if (block == nullptr) return failed("PO BOX Zone records - malloc()", kPobZonesFailed, proc);
   // No size line for this table; that is meant.
-  if (dbReadFile(file, rba + kPobZoneHeaderBytes, static_cast<std::int32_t>(bytes), block, proc) <
-      0)
+  const auto count = static_cast<std::int32_t>(bytes);
+  if (dbReadFile(file, rba + kPobZoneHeaderBytes, count, block, proc) < 0 || streamError(file))
     return failed("PO BOX Zone records - read records", kPobZonesFailed, proc);
   traceLeaving(proc, kDbapi, __LINE__, "dbReadPOBZone");
   return 0;

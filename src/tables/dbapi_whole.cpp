@@ -10,8 +10,6 @@ std::int32_t dbReadStateCutRefDb(Stream* file, const RefControlRec* controlRecor
                                        dbReadZipData,  dbReadCityByState, dbReadBytesTables};
   traceEntering(proc, kDbapi, __LINE__, "dbReadStateCutRefDb");
   for (TableReader* const reader : kReaders) {
-    // Reading on behind a read error would abort.
-    if (reader != kReaders[0] && streamError(file)) return -1;
     if (reader(file, controlRecord, proc) != 0) return -1;
   }
   traceLeaving(proc, kDbapi, __LINE__, "dbReadStateCutRefDb");

@@ -25,15 +25,27 @@ constexpr TableInfo kUniqueZips[] = {{kSlotUniqueZips, "Unique Zips", Ref::uniqu
 constexpr TableInfo kMultiZip[] = {{kSlotMultiZip, "Multi Zip Table", Ref::multiZipListsRba.at,
                                     counted(Ref::multiZipListsCount, 4), -16}};
 
+// One of the tables that a cut drops, and reads itself to select by.
+template <std::size_t RbaAt, std::size_t CountAt>
+constexpr TableInfo bytesTable(SlotNumber slot, const char* name, Num<RbaAt, 4>,
+                               Num<CountAt, 4> count, std::uint32_t recordSize) {
+  return {.slot = slot,
+          .logName = name,
+          .rbaAt = RbaAt,
+          .size = counted(count, recordSize),
+          .code = -17,
+          .absentAtZero = true};
+}
+
 constexpr TableInfo kBytes[] = {
-    {kSlotZipBytes, "Zip Bytes Table", Ref::zipBytesRba.at,
-     counted(Ref::zipDataCount, ZipBytesRow::size), -17},
-    {kSlotSfhMultiZipBytes, "Multi-Zip SFH Bytes Table", Ref::sfhMultiZipBytesRba.at,
-     counted(Ref::sfhMultiZipBytesCount, MultiZipBytesLong::size), -17},
-    {kSlotPobMultiZipBytes, "Multi-Zip POB Bytes Table", Ref::pobMultiZipBytesRba.at,
-     counted(Ref::pobMultiZipBytesCount, MultiZipBytesLong::size), -17},
-    {kSlotRrMultiZipBytes, "Multi-Zip RR Bytes Table", Ref::rrMultiZipBytesRba.at,
-     counted(Ref::rrMultiZipBytesCount, MultiZipBytesLong::size), -17}};
+    bytesTable(kSlotZipBytes, "Zip Bytes Table", Ref::zipBytesRba, Ref::zipDataCount,
+               ZipBytesRow::size),
+    bytesTable(kSlotSfhMultiZipBytes, "Multi-Zip SFH Bytes Table", Ref::sfhMultiZipBytesRba,
+               Ref::sfhMultiZipBytesCount, MultiZipBytesLong::size),
+    bytesTable(kSlotPobMultiZipBytes, "Multi-Zip POB Bytes Table", Ref::pobMultiZipBytesRba,
+               Ref::pobMultiZipBytesCount, MultiZipBytesLong::size),
+    bytesTable(kSlotRrMultiZipBytes, "Multi-Zip RR Bytes Table", Ref::rrMultiZipBytesRba,
+               Ref::rrMultiZipBytesCount, MultiZipBytesLong::size)};
 
 constexpr TableInfo kScfs[] = {
     {kSlotScfs, "SCF Table", Ref::scfsRba.at, counted(Ref::scfsCount, 4), -15}};

@@ -44,6 +44,11 @@ std::int32_t loadTable(const TableInfo& table, Stream* file, const RefControlRec
   const std::int64_t units =
       table.size.wordAt == TableSize::kNoWord ? 1 : std::int64_t{wordAt(*sizes, table.size.wordAt)};
   const std::int64_t bytes = units * std::int64_t{table.size.unit} + table.size.extra;
+  const std::uint32_t rba = wordAt(*record, table.rbaAt);
+  if (table.absentAtZero && rba == 0 && bytes != 0) {
+    refPointers[table.slot].table = nullptr;
+    return readFailed(table, proc);
+  }
   // A negative size becomes a huge one, which is never allocated.
   void* const block = allocTable(static_cast<std::uint64_t>(bytes));
   refPointers[table.slot].table = static_cast<unsigned char*>(block);
@@ -51,8 +56,7 @@ std::int32_t loadTable(const TableInfo& table, Stream* file, const RefControlRec
 
   logTableSize(table.logName, static_cast<std::uint64_t>(bytes), proc);
   // A buffer that could not be read stays in its slot; that is meant.
-  if (dbReadFile(file, wordAt(*record, table.rbaAt), static_cast<std::int32_t>(bytes), block,
-                 proc) < 0)
+  if (dbReadFile(file, rba, static_cast<std::int32_t>(bytes), block, proc) < 0 || streamError(file))
     return readFailed(table, proc);
   return 0;
 }
@@ -69,8 +73,6 @@ std::int32_t loadTables(const char* reader, std::span<const TableInfo> tables, S
   if (proc == nullptr) return tables.front().code;
   traceEntering(proc, kDbapi, __LINE__, reader);
   for (const TableInfo& table : tables) {
-    // Reading on behind a read error would abort.
-    if (&table != &tables.front() && streamError(file)) return table.code;
     const std::int32_t code = loadTable(table, file, controlRecord, proc);
     if (code != 0) return code;
   }

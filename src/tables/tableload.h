@@ -50,10 +50,11 @@ struct TableInfo {
   const char* allocName = nullptr;   // in the report of a failed allocation; null: logName
   const char* readName = nullptr;    // in the report of a failed read; null: logName
   SlotNumber freedWithIt = kNoSlot;  // released and zeroed when the allocation fails
+  bool absentAtZero = false;         // bytes at RBA 0 are no table: a cut does not carry it
 };
 
 // Loads the tables in order, up to the first failure, traced under the reader's name. 0 or the
-// code of the table that failed (logged).
+// code of the table that failed (logged), be it that its read left the stream in error.
 std::int32_t loadTables(const char* reader, std::span<const TableInfo> tables, Stream* file,
                         const RefControlRec* controlRecord, ProcObj* proc);
 

@@ -138,8 +138,8 @@ bool isRightAsFarAsRead(const FileBytes& got, const FileBytes& right) {
   return std::all_of(differs, got.end(), [](auto byte) { return byte == 0; });
 }
 
-// A read that brings fewer bytes counts as a complete one in the result, and what it should have
-// brought stays zero; that is meant, the stream or the error record tells.
+// Where the file ends early a read counts as complete, and what it should have brought stays zero;
+// that is meant, the stream tells.
 void expectSound(const FaultPlan& plan, const Load& got, const Load& right) {
   EXPECT_TRUE(got.code == 0 || got.code == kNotOpened || (got.code <= -1 && got.code >= -20))
       << got.code;
@@ -152,9 +152,9 @@ void expectSound(const FaultPlan& plan, const Load& got, const Load& right) {
     EXPECT_NE(got.code, 0);
   }
   if (got.code != 0) return;
-  EXPECT_FALSE(got.reported && !failsReads(plan));
+  EXPECT_FALSE(got.reported);
   if (got.tables == right.tables) return;
-  EXPECT_TRUE(failsReads(plan) && (got.reported || got.shrank)) << "wrong tables, unsaid";
+  EXPECT_TRUE(failsReads(plan) && got.shrank) << "wrong tables, unsaid";
   ASSERT_EQ(got.tables.size(), right.tables.size());
   for (std::size_t i = 0; i < got.tables.size(); ++i)
     EXPECT_TRUE(isRightAsFarAsRead(got.tables[i], right.tables[i])) << "table " << i;

@@ -376,4 +376,20 @@ TEST_F(RefCopy, ReadErrorOfTheSourceEndsTheCopyWithoutAbort) {
   EXPECT_EQ(kept(copyRefDb), -1);
 }
 
+// Both tables of this loader: the one whose read failed is reported, under its own status.
+TEST_F(RefCopy, ReadErrorOfALoaderIsThatTablesFailure) {
+  open();
+  ASSERT_EQ(kept(readCityData4SC2), 0);
+  setWord(RefControlRec::cityMultiZipRbasCount, 0);
+  Stream* const sound = proc.files->reference;
+  proc.files->reference = streamOpen(path(".").c_str(), "rb");
+  log();
+  EXPECT_EQ(kept(readCityData4SC2), -5);
+  const std::vector<std::string> said = log();
+  ASSERT_FALSE(said.empty());
+  EXPECT_NE(said.back().find("partition: Zip Finance Multi Zip Data"), std::string::npos);
+  streamClose(proc.files->reference);
+  proc.files->reference = sound;
+}
+
 }  // namespace

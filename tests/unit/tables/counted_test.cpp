@@ -1,7 +1,9 @@
 // The military aliases and the PO Box zones, which carry their own counts.
+#include <cerrno>
 #include <string>
 #include <vector>
 
+#include "support/faultysystem.h"
 #include "unit/tables/faultyalloc.h"
 #include "unit/tables/tablefixture.h"
 
@@ -85,6 +87,21 @@ TEST_F(CountedTablesTest, FailedMilitaryAllocationIsReportedAsARead) {
   }
 }
 
+TEST_F(CountedTablesTest, ReadErrorBehindTheMilitaryHeaderIsAFailedRead) {
+  Stream* const sound = holding(military(2, 3));
+  ASSERT_EQ(readMilitary(sound), 0);
+  emptySlots();
+  records();
+  Stream* const file = holding(military(2, 3), "broken");
+  test::armFaults({test::FaultKind::kRead, 2, test::FaultMode::kOnce, EIO});
+  EXPECT_EQ(readMilitary(file), -19);
+  test::disarmFaults();
+  EXPECT_TRUE(streamError(file));
+  EXPECT_EQ(refPointers[41].table, nullptr);
+  EXPECT_EQ(refPointers[42].table, nullptr);
+  EXPECT_EQ(records().back(), readError("Military Alias Table - read"));
+}
+
 TEST_F(CountedTablesTest, MilitaryTableIsTraced) {
   options_.debugSwitch = 'D';
   EXPECT_EQ(readMilitary(holding(military(1, 0))), 0);
@@ -127,6 +144,20 @@ TEST_F(CountedTablesTest, FailedZoneAllocationIsReportedAsARead) {
     EXPECT_EQ(refPointers[44].table, nullptr);
     EXPECT_EQ(records(), Lines({readError("PO BOX Zone records - malloc()")}));
   }
+}
+
+TEST_F(CountedTablesTest, ReadErrorBehindTheZoneCountIsAFailedRead) {
+  Bytes bytes(kRba + 20);
+  bytes[kRba] = 3;
+  ASSERT_EQ(readZones(holding(bytes)), 0);
+  emptySlots();
+  Stream* const file = holding(bytes, "broken");
+  test::armFaults({test::FaultKind::kRead, 2, test::FaultMode::kOnce, EIO});
+  EXPECT_EQ(readZones(file), -20);
+  test::disarmFaults();
+  EXPECT_TRUE(streamError(file));
+  EXPECT_NE(refPointers[44].table, nullptr);
+  EXPECT_EQ(records().back(), readError("PO BOX Zone records - read records"));
 }
 
 TEST_F(CountedTablesTest, ZonesAreTraced) {

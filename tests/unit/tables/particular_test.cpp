@@ -91,6 +91,7 @@ TEST_F(TablesTest, NoZipDataStillLoadsTheWholeZipIndex) {
 
 TEST_F(TablesTest, FailedPobBytesTableLeavesTheRrTableUntouched) {
   word(300, 1);
+  word(288, 1);
   auto* const marker = static_cast<unsigned char*>(allocTable(1));
   refPointers[36].table = marker;
   EXPECT_EQ(dbReadBytesTables(unseekable(), &record_, &proc_), -17);
@@ -98,6 +99,44 @@ TEST_F(TablesTest, FailedPobBytesTableLeavesTheRrTableUntouched) {
   EXPECT_NE(refPointers[34].table, nullptr);
   EXPECT_EQ(held(35, 8), Bytes(8));
   EXPECT_EQ(refPointers[36].table, marker);
+}
+
+// A cut holds none of the four and says so by an RBA of 0, where the control record stands.
+TEST_F(TablesTest, BytesTableAtRba0IsNoTableAndNothingIsRead) {
+  struct Absent {
+    std::size_t rbaAt, countAt, slot;
+    const char* name;
+    std::int32_t width;
+  };
+  const Absent all[] = {{280, 192, 33, "Zip Bytes Table", 12},
+                        {284, 296, 34, "Multi-Zip SFH Bytes Table", 8},
+                        {288, 300, 35, "Multi-Zip POB Bytes Table", 8},
+                        {292, 304, 36, "Multi-Zip RR Bytes Table", 8}};
+  for (const Absent& table : all) {
+    word(table.rbaAt, 1);
+    word(table.countAt, 1);
+  }
+  for (const Absent& absent : all) {
+    EXPECT_EQ(dbReadBytesTables(holding(Bytes(10, 0xEE)), &record_, &proc_), 0);
+    unsigned char* const old = refPointers[absent.slot].table;
+    records();
+    word(absent.rbaAt, 0);
+    EXPECT_EQ(dbReadBytesTables(holding(Bytes(10, 0xEE)), &record_, &proc_), -17);
+    EXPECT_EQ(refPointers[absent.slot].table, nullptr) << absent.name;
+    freeTable(old);
+    Lines expected;
+    for (const Absent& table : all) {
+      if (table.slot < absent.slot) expected.push_back(info(table.name, table.width));
+    }
+    expected.push_back(readError(absent.name));
+    EXPECT_EQ(records(), expected);
+    word(absent.countAt, 0);  // a table of no bytes needs no place
+    EXPECT_EQ(dbReadBytesTables(holding(Bytes(10, 0xEE)), &record_, &proc_), 0);
+    EXPECT_NE(refPointers[absent.slot].table, nullptr) << absent.name;
+    records();
+    word(absent.countAt, 1);
+    word(absent.rbaAt, 1);
+  }
 }
 
 TEST_F(TablesTest, FailedAllocationOfTheSecondStreetTableReleasesTheFirst) {

@@ -102,6 +102,11 @@ constexpr std::uint32_t kTooMany = 0x80000000U;  // more than any table can have
 
 class ReaderTest : public test::TableFixture, public ::testing::WithParamInterface<std::size_t> {
  protected:
+  // Every table stands somewhere: at RBA 0 some are none.
+  ReaderTest() {
+    for (const Table& table : kTables) word(table.rbaAt, 1);
+  }
+
   const Table& table_ = kTables[GetParam()];
   RefControlRec own_{};  // the context's, where it is another one
 
@@ -172,6 +177,29 @@ TEST_P(ReaderTest, FailedReadEndsTheReaderAndKeepsTheBuffer) {
   }
   expected.push_back(info(table_.name, static_cast<std::int32_t>(sizeOf(table_, kCount))));
   expected.push_back(table_.warns ? readWarning(table_.readName) : readError(table_.readName));
+  EXPECT_EQ(records(), expected);
+}
+
+// The read answers the count that was asked for; only the stream tells that it failed.
+TEST_P(ReaderTest, ReadThatLeavesTheStreamInErrorIsThisTablesFailure) {
+  if (table_.countAt != 0) word(table_.countAt, kCount);
+  EXPECT_EQ(table_.reader(holding(Bytes(10)), &record_, &proc_), 0);
+  emptySlots();
+  records();
+  Stream* const file = unreadable();
+  EXPECT_EQ(table_.reader(file, &record_, &proc_), table_.code);
+  EXPECT_TRUE(streamError(file));
+  EXPECT_NE(refPointers[table_.slot].table, nullptr);
+  const std::uint32_t size = sizeOf(table_, kCount);
+  const std::string requested =
+      "DBG;apiutil;20002;DB Read Error;Requested Bytes: " + std::to_string(size) +
+      ", Actual bytes read: 0";
+  Lines expected;
+  for (const Table& table : earlier()) expected.push_back(info(table.name, 0));
+  expected.insert(expected.end(),
+                  {info(table_.name, static_cast<std::int32_t>(size)), requested,
+                   "ERR;apiutil;20002;DB Read Error;errno=21:Is a directory", requested,
+                   table_.warns ? readWarning(table_.readName) : readError(table_.readName)});
   EXPECT_EQ(records(), expected);
 }
 
