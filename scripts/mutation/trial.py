@@ -109,13 +109,13 @@ def run_program(bench, program, limit):
 def run_cases(bench, limit):
     cases = bench.base.tree / "tests/cli"
     start, cpu_sum = time.monotonic(), 0.0
-    for command in sorted(cases.glob("*/*/cmd")):
-        status, _, cpu = limited([str(cases / "run-case"), str(command.parent)], bench,
+    for case in sorted(cases.glob("*/*.case")):
+        status, _, cpu = limited([str(cases / "run-case"), str(case)], bench,
                                  bench.folder / "output", limit)
         cpu_sum += cpu
         if status != 0:
             return Outcome("timeout" if status is None else "failed",
-                           f"cli.{command.parent.parent.name}.{command.parent.name}",
+                           f"cli.{case.parent.name}.{case.stem}",
                            time.monotonic() - start, cpu_sum)
     return Outcome("passed", CASES, time.monotonic() - start, cpu_sum)
 

@@ -1,4 +1,4 @@
-# Functions for the cmd files of the cases.
+# Functions for the commands and checks of the cases.
 
 # Copies the pair into the current folder under the default names.
 pair() {
@@ -39,9 +39,14 @@ name_of() {
   awk -v n="$1" 'BEGIN { while (n-- > 0) printf "x"; print "" }'
 }
 
-# Checksums of the files, to show that none changed.
-sums() {
-  cksum "$@" | awk '{ print $1, $2, $3 }'
+# remember FILE...: takes their checksums, for "unchanged".
+remember() {
+  cksum "$@" >"$TMPDIR/remembered"
+}
+
+# unchanged: whether the remembered files are as they were; shows those that are not.
+unchanged() {
+  awk '{ print $3 }' "$TMPDIR/remembered" | xargs cksum | diff "$TMPDIR/remembered" -
 }
 
 # first_cut: cuts the states of "states" under the names a.city.sc and a.zip4us.sc, the right outputs.
@@ -52,6 +57,20 @@ first_cut() {
 # right [REF RANGE]: whether the outputs (default: city.sc, zip4us.sc) are those of first_cut.
 right() {
   cmp -s a.city.sc "${1:-city.sc}" && cmp -s a.zip4us.sc "${2:-zip4us.sc}"
+}
+
+# ask: answers the calls on standard input in every mode, shows the answers and ends with their status.
+# The modes have to agree.
+ask() {
+  cat >calls
+  for how in "--mode in" "--mode off" "--mode first" "--mode off --cache 64:2"; do
+    "$STATEDB" query --ref "$PAIR/city.dir" $how <calls >now
+    status=$?
+    [ -f answers ] || cp now answers
+    cmp -s answers now || { echo "otherwise with $how:"; diff answers now; }
+  done
+  cat answers
+  exit $status
 }
 
 # records LOG: the error records of a log, without their times, lines and process ids.
@@ -88,7 +107,7 @@ may_mount() {
 on_small_disk() {
   if may_mount; then
     unshare -rm sh -c 'mount -t tmpfs -o size=64k none "$2" && . "$1" && eval "$3"' sh \
-      "$CASE/../../lib.sh" "$1" "$2"
+      "$LIB" "$1" "$2"
   else
     for on_small_name in city.sc zip4us.sc city.dir zip4us.dir log; do
       ln -s /dev/full "$1/$on_small_name"
