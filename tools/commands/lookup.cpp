@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "commands/commands.h"
+#include "query/loading.h"
 #include "query/run.h"
 #include "query/shortforms.h"
 #include "run/process.h"
@@ -41,10 +42,19 @@ int fail(const std::string& command, const std::string& reason, int status) {
   return status;
 }
 
-int runLookup(const std::string& name, const LookupOptions& options, const Show& show) {
+struct Shape {
+  const char* name;
+  const char* description;
+  const char* argument;
+  bool hasState;
+  std::uint32_t sets;  // of tables
+};
+
+int runLookup(const Shape& shape, const LookupOptions& options, const Show& show) {
+  const std::string name = shape.name;
   guardStandardDescriptors();
   SessionSettings settings = options.settings;
-  settings.sets = 0;  // each answer prepares what it uses
+  settings.sets = 0;  // loaded below, where a failure names the table
   // The range file of the default name is used when it is there.
   if (settings.rng.empty() && ::access(kDefaultRange, R_OK) == 0) settings.rng = kDefaultRange;
   static Session session;
@@ -57,6 +67,8 @@ int runLookup(const std::string& name, const LookupOptions& options, const Show&
   if (!opened) return fail(name, error, query::kCannotRun);
   if (!session.pairMatches() && !options.settings.rng.empty())
     (void)fail(name, "the range file is not of the same pair", 0);
+  if (const std::string failure = query::loadFailure(session, shape.sets); !failure.empty())
+    return fail(name, failure, query::kCannotRun);
   std::ostringstream answer;
   const bool found = show(session, options, answer);
   if (const std::string failure = query::readFailure(session); !failure.empty())
@@ -69,13 +81,6 @@ int runLookup(const std::string& name, const LookupOptions& options, const Show&
     return fail(name, "cannot write the answer", query::kCannotRun);
   return query::kDone;
 }
-
-struct Shape {
-  const char* name;
-  const char* description;
-  const char* argument;
-  bool hasState;
-};
 
 void checkWords(const Shape& shape, const LookupOptions& options) {
   if (options.words.empty()) throw CLI::RequiredError(shape.argument);
@@ -107,7 +112,7 @@ void addLookup(CLI::App& app, int& status, const Shape& shape, const Show& show)
   command->callback([command, options, shape, show, &status] {
     options->words = command->remaining();
     checkWords(shape, *options);
-    status = runLookup(shape.name, *options, show);
+    status = runLookup(shape, *options, show);
   });
 }
 
@@ -121,17 +126,23 @@ bool showZipText(Session& session, const LookupOptions& options, std::ostream& o
 }  // namespace
 
 void addLookupCommands(CLI::App& app, int& status) {
-  addLookup(app, status, {"zip", "Show a ZIP code: its cities and partitions", "ZIP", false},
-            showZipText);
-  addLookup(app, status, {"city", "Show a city and its ZIP codes; with *, a list", "NAME", true},
-            [](Session& session, const LookupOptions& options, std::ostream& out) {
-              return query::showCity(session, options.state, options.text(), out);
-            });
-  addLookup(app, status, {"street", "Show a street and what a variation stands for", "NAME", false},
+  addLookup(
+      app, status,
+      {"zip", "Show a ZIP code: its cities and partitions", "ZIP", false, query::kZipFormSets},
+      showZipText);
+  addLookup(
+      app, status,
+      {"city", "Show a city and its ZIP codes; with *, a list", "NAME", true, query::kCityFormSets},
+      [](Session& session, const LookupOptions& options, std::ostream& out) {
+        return query::showCity(session, options.state, options.text(), out);
+      });
+  addLookup(app, status,
+            {"street", "Show a street and what a variation stands for", "NAME", false,
+             query::kStreetFormSets},
             [](Session& session, const LookupOptions& options, std::ostream& out) {
               return query::showStreet(session, options.text(), out);
             });
-  addLookup(app, status, {"firm", "Show a firm", "NAME", false},
+  addLookup(app, status, {"firm", "Show a firm", "NAME", false, query::kFirmFormSets},
             [](Session& session, const LookupOptions& options, std::ostream& out) {
               return query::showFirm(session, options.text(), out);
             });

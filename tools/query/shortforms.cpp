@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <optional>
 #include <vector>
 
 #include "query/lists.h"
+#include "query/loading.h"
 
 namespace statecut::query {
 
@@ -60,12 +62,16 @@ std::vector<std::uint16_t> cityKeysOf(Session& session, const ZipDataRow* zip) {
   return values;
 }
 
-void showPartition(const char* name, std::uint32_t rba, std::uint32_t bytes, std::ostream& out) {
+void showPartition(const char* name, std::uint32_t rba, std::optional<std::uint32_t> bytes,
+                   std::ostream& out) {
   out << "  " << std::left << std::setw(10) << name << std::right;
-  if (rba == 0)
-    out << "        none\n";
-  else
-    out << std::setw(12) << rba << std::setw(12) << bytes << "\n";
+  if (rba == 0) {
+    out << std::setw(12) << "none"
+        << "\n";
+    return;
+  }
+  out << std::setw(12) << rba << std::setw(12) << (bytes ? std::to_string(*bytes) : "unknown")
+      << "\n";
 }
 
 void showCityLine(const CityNameRow* row, std::ostream& out) {
@@ -141,7 +147,6 @@ bool showStreetAs(Session& session, const std::string& name, std::ostream& out) 
 }  // namespace
 
 bool showZip(Session& session, std::int32_t zip, std::ostream& out) {
-  session.prepare(kZipSet | kCitySet | kCityNameSet | kZipBytesSet);
   std::uint32_t key = 0;
   const ZipDataRow* row = dbGetZipData(zip, &key);
   if (row == nullptr) return false;
@@ -155,14 +160,18 @@ bool showZip(Session& session, std::int32_t zip, std::ostream& out) {
                   .pfnGetCityUSPS(static_cast<std::int32_t>(city->get(CityDataRow::nameUsps)));
     out << "  city      " << cityText(name) << "\n";
   }
-  const ZipBytesRow none{};
   const ZipBytesRow* sizes =
-      rowAt<ZipBytesRow>(kSlotZipBytes, key, session.ref().get(RefControlRec::zipDataCount));
-  if (sizes == nullptr) sizes = &none;
+      hasZipBytes(session)
+          ? rowAt<ZipBytesRow>(kSlotZipBytes, key, session.ref().get(RefControlRec::zipDataCount))
+          : nullptr;
+  const auto size = [sizes](auto field) -> std::optional<std::uint32_t> {
+    if (sizes == nullptr) return std::nullopt;
+    return sizes->get(field);
+  };
   out << "  partition          RBA       bytes\n";
-  showPartition("SFH", row->get(ZipDataRow::sfhRba), sizes->get(ZipBytesRow::sfhBytes), out);
-  showPartition("POB", row->get(ZipDataRow::pobRba), sizes->get(ZipBytesRow::pobBytes), out);
-  showPartition("RR", row->get(ZipDataRow::rrRba), sizes->get(ZipBytesRow::rrBytes), out);
+  showPartition("SFH", row->get(ZipDataRow::sfhRba), size(ZipBytesRow::sfhBytes), out);
+  showPartition("POB", row->get(ZipDataRow::pobRba), size(ZipBytesRow::pobBytes), out);
+  showPartition("RR", row->get(ZipDataRow::rrRba), size(ZipBytesRow::rrBytes), out);
   if (const FinMultiZipRow* area = dbGetZipFinMltZpRBA(row); area != nullptr)
     out << "  finance area of " << area->get(FinMultiZipRow::zipCount)
         << " ZIP codes, partition at RBA " << area->get(FinMultiZipRow::rba) << "\n";
@@ -171,7 +180,6 @@ bool showZip(Session& session, std::int32_t zip, std::ostream& out) {
 
 bool showCity(Session& session, const std::string& state, const std::string& name,
               std::ostream& out) {
-  session.prepare(kZipSet | kCitySet | kCityNameSet | kHashSet);
   if (state.size() != 2) return false;
   return eitherCase(state, [&](const std::string& stateText) {
     return eitherCase(name, [&](const std::string& text) {
@@ -182,13 +190,11 @@ bool showCity(Session& session, const std::string& state, const std::string& nam
 }
 
 bool showStreet(Session& session, const std::string& name, std::ostream& out) {
-  session.prepare(kStreetNameSet | kStreetPhoneticSet | kStreetStandardSet | kHashSet);
   return eitherCase(name,
                     [&](const std::string& text) { return showStreetAs(session, text, out); });
 }
 
 bool showFirm(Session& session, const std::string& name, std::ostream& out) {
-  session.prepare(kFirmSet | kHashSet);
   return eitherCase(name, [&](const std::string& text) {
     LookupPointers& members = lookupsOf(session.proc());
     const std::int32_t key = members.pfnFindFirm(text.c_str(), lengthOf(text), session.proc());

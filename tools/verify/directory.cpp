@@ -87,41 +87,42 @@ void sizeByHeader(TableId id, std::span<const unsigned char> file, TablePlace& p
   place.bytes += id == TableId::Military ? first * 38 + second * 42 : first * 2;
 }
 
+bool liesInside(const TablePlace& place, std::uint64_t fileBytes) {
+  return place.bytes == 0 ||
+         (place.rba >= RefControlRec::size && place.rba + place.bytes <= fileBytes);
+}
+
 }  // namespace
 
 std::span<const TableDef, kTables> tableDefs() { return kDefs; }
 
 const TableDef& tableDef(TableId id) { return kDefs[static_cast<std::size_t>(id)]; }
 
-TablePlace placeTable(TableId id, std::span<const unsigned char> file) {
+TablePlace placeTable(TableId id, const RefControlRec& record, std::uint64_t fileBytes) {
   const TableDef& def = tableDef(id);
-  const bool cut = (le::get<4>(file.data() + R::typeFlags.at) & kTypeStateCut) != 0;
-  const std::uint32_t width = cut ? def.cutWidth : def.width;
+  const unsigned char* words = record.bytes.data();
+  const bool cut = (record.get(R::typeFlags) & kTypeStateCut) != 0;
   TablePlace place;
-  place.rba = le::get<4>(file.data() + def.rbaAt);
-  if (def.countAt != 0) place.count = le::get<4>(file.data() + def.countAt);
-  switch (def.sizing) {
-    case Sizing::OneLess:
-      if (place.count > 0) --place.count;
-      break;
-    case Sizing::Fixed:
-      place.count = kZipIndexEntries;
-      break;
-    case Sizing::OwnHeader:
-      place.carried = place.rba != 0;
-      if (place.carried) sizeByHeader(id, file, place);
-      break;
-    case Sizing::Records:
-      place.carried = !cut || def.cutWidth != 0;
-      break;
-  }
-  if (!place.carried) {
-    place.count = 0;
-    return place;
-  }
-  if (def.sizing != Sizing::OwnHeader) place.bytes = place.count * width;
-  place.fits = place.bytes == 0 ||
-               (place.rba >= RefControlRec::size && place.rba + place.bytes <= file.size());
+  place.rba = le::get<4>(words + def.rbaAt);
+  place.carried = !cut || def.cutWidth != 0;
+  if (!place.carried) return place;
+  if (def.countAt != 0) place.count = le::get<4>(words + def.countAt);
+  if (def.sizing == Sizing::OneLess && place.count > 0) --place.count;
+  if (def.sizing == Sizing::Fixed) place.count = kZipIndexEntries;
+  place.bytes = place.count * (cut ? def.cutWidth : def.width);
+  place.fits = liesInside(place, fileBytes);
+  return place;
+}
+
+TablePlace placeTable(TableId id, std::span<const unsigned char> file) {
+  const auto& record = *reinterpret_cast<const RefControlRec*>(file.data());
+  if (tableDef(id).sizing != Sizing::OwnHeader) return placeTable(id, record, file.size());
+  TablePlace place;
+  place.rba = le::get<4>(file.data() + tableDef(id).rbaAt);
+  place.carried = place.rba != 0;
+  if (!place.carried) return place;
+  sizeByHeader(id, file, place);
+  place.fits = liesInside(place, file.size());
   return place;
 }
 

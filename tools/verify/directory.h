@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#include "dbfiles/controlrec.h"
+
 namespace statecut::verify {
 
 enum class TableId {
@@ -82,7 +84,10 @@ struct TablePlace {
   bool fits = true;     // false: starts inside the control record or ends past the file
 };
 
-// Places a table of the reference file `file`, which holds at least its control record.
+// Places a table without a header of its own in a file of so many bytes.
+TablePlace placeTable(TableId id, const RefControlRec& record, std::uint64_t fileBytes);
+
+// Places any table of the reference file `file`, which holds at least its control record.
 TablePlace placeTable(TableId id, std::span<const unsigned char> file);
 
 }  // namespace statecut::verify
