@@ -1,11 +1,13 @@
-# What `cmake --install` puts down: the tools, the library with its headers and CMake package, and
-# the documents.
+# What `cmake --install` puts down: the tools with the ZIP codes that they build from, the library with
+# its headers and CMake package, and the documents.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/statecut)
 set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/statecut)
 
 install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/data/us_zip_city.csv ${PROJECT_SOURCE_DIR}/data/NOTICE.md
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/statecut)
 install(TARGETS statecut_core EXPORT statecut ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT statecut NAMESPACE statecut:: FILE statecutConfig.cmake DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/zipsfile.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/words.h"
 #include "dbbuilder/writer.h"
@@ -41,16 +42,12 @@ int fail(const std::string& reason) {
   return failed;
 }
 
-std::string defaultCsv() {
-  const std::string inSource = STATEDB_DATA_DIR "/us_zip_city.csv";
-  std::error_code ignored;
-  return std::filesystem::exists(inSource, ignored) ? inSource : "data/us_zip_city.csv";
-}
-
 bool readProfilePlaces(const BuildSettings& settings, std::vector<builder::Place>& places,
                        std::string& error) {
-  if (settings.profile == "national")
-    return builder::readPlaces(settings.zips.empty() ? defaultCsv() : settings.zips, places, error);
+  if (settings.profile == "national") {
+    const std::string csv = settings.zips.empty() ? findZipsFile(error) : settings.zips;
+    return !csv.empty() && builder::readPlaces(csv, places, error);
+  }
   places = settings.profile == "tiny" ? builder::tinyPlaces() : builder::smallPlaces();
   return true;
 }

@@ -25,6 +25,8 @@ int runStatedb(int argc, char** argv) {
   CLI::App app{"Builds, describes, verifies and queries address reference database pairs.",
                "statedb"};
   app.require_subcommand(1);
+  app.set_version_flag("--version", "statedb (statecut) " STATEDB_VERSION,
+                       "Print the version and exit");
   int status = 0;
   addBuildCommand(app, status);
   addInfoCommand(app, status);
