@@ -83,6 +83,27 @@ void removeFiles(const Paths& paths) {
   for (const Path& path : paths) std::filesystem::remove(path);
 }
 
+void primePages(const Path& scratch, std::uint64_t bytes) {
+  {
+    std::ofstream file(scratch, std::ios::binary);
+    const std::vector<char> piece(std::size_t{1} << 20);
+    for (std::uint64_t left = bytes; left != 0;) {
+      const std::uint64_t now = std::min<std::uint64_t>(left, piece.size());
+      file.write(piece.data(), static_cast<std::streamsize>(now));
+      left -= now;
+    }
+    if (!file.flush()) fail(scratch, "cannot be written");
+  }
+  std::filesystem::remove(scratch);
+}
+
+void syncFiles(const Paths& paths) {
+  for (const Path& path : paths) {
+    const Descriptor file(path);
+    if (fsync(file.value) != 0) fail(path, std::strerror(errno));
+  }
+}
+
 void loadIntoCache(const Paths& paths) {
   for (const Path& path : paths) {
     if (cachedShare(path) < 1) readThrough(path);

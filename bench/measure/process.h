@@ -17,6 +17,12 @@ struct Usage {
   double wall = 0;  // seconds, from before the start to after the end
   double cpu = 0;   // user and system seconds of the process and what it waited for
   int status = 0;   // exit status, 128 + signal when one ended it
+
+  Usage& operator+=(const Usage& other) {
+    wall += other.wall;
+    cpu += other.cpu;
+    return *this;
+  }
 };
 
 // Throws std::runtime_error when the command cannot be started.

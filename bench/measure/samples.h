@@ -9,9 +9,9 @@ namespace statecut::bench {
 
 struct Figure {
   std::string name;          // of a row with several
-  std::string unit;          // of both numbers: "s", "ns", "bytes", "MiB"
+  std::string unit;          // of both numbers: "s", "ns", "bytes", "MiB", "%"
   std::vector<double> ours;  // a number a round
-  std::vector<double> peer;  // as many; empty when `ours` is compared with the goal itself
+  std::vector<double> peer;  // as many; empty when `ours` is no amount to compare
 };
 
 // Numbers round by round, ours over the peer's; ours when there is no peer.
@@ -24,9 +24,7 @@ struct RowSamples {
   std::vector<std::string> notes;  // about this run, for the document
 };
 
-// One file a row, below the folder of the results: ROW.txt. Loading gives no figures when the row
-// was not measured.
+// One file a row, below the folder of the results: ROW.json, with every round.
 void store(const std::filesystem::path& folder, const std::string& row, const RowSamples& samples);
-RowSamples load(const std::filesystem::path& folder, const std::string& row);
 
 }  // namespace statecut::bench

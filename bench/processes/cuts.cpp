@@ -8,6 +8,12 @@
 
 namespace statecut::bench {
 
+std::string joined(const States& states) {
+  std::string text;
+  for (const std::string& state : states) text += (text.empty() ? "" : ",") + state;
+  return text;
+}
+
 States allStates() {
   States list;
   for (const auto& abbreviation : abvstates) list.emplace_back(abbreviation);
@@ -54,18 +60,21 @@ Paths finishedCut(const Setup& setup, const std::string& name, const States& sta
   const Cut cut = prepareCut(setup, setup.work / name, states);
   cut.remove();
   runWell(cut.command);
-  std::string list;
-  for (const std::string& state : states) list += (list.empty() ? "" : ",") + state;
   runWell({.words = {setup.program("statedb"), "verify", "--ref", cut.outputs[0], "--rng",
                      cut.outputs[1], "--source-ref", setup.ref(), "--source-rng", setup.rng(),
-                     "--states", list}});
+                     "--states", joined(states)}});
   return cut.outputs;
 }
 
-void compareCut(const Cut& cut, const Paths& finished) {
+Cut checkedCut(const Setup& setup, const States& states, const Paths& finished) {
+  const Cut cut = prepareCut(setup, setup.work / "cut" / joined(states), states);
+  cut.remove();
+  runWell(cut.command);
   for (std::size_t i = 0; i < finished.size(); ++i)
     if (!sameBytes(cut.outputs[i], finished[i]))
       throw std::runtime_error(cut.outputs[i].string() + " differs from " + finished[i].string());
+  cut.remove();
+  return cut;
 }
 
 void settle(const Paths& files) {

@@ -11,6 +11,7 @@ namespace statecut::bench {
 using States = std::vector<std::string>;
 
 States allStates();
+std::string joined(const States& states);  // "TX,OK"
 
 // A run of the program and where it puts its files.
 struct Cut {
@@ -31,8 +32,9 @@ Cut prepareCut(const Setup& setup, const Path& folder, const States& states, con
 // Makes a cut to copy from, in work/NAME, and checks it against its source.
 Paths finishedCut(const Setup& setup, const std::string& name, const States& states);
 
-// Throws when the outputs differ from the finished cut.
-void compareCut(const Cut& cut, const Paths& finished);
+// The cut as it will be measured, in a folder
+// of its own. Throws when it differs from the finished one.
+Cut checkedCut(const Setup& setup, const States& states, const Paths& finished);
 
 // Removes the files, and waits until the disk has nothing to do for them.
 void settle(const Paths& files);

@@ -73,6 +73,7 @@ RowSamples growth(const Setup& setup) {
     for (Point& point : points) {
       const Cut cut = prepareCut(setup, setup.work / "cut", point.states);
       settle(cut.outputs);
+      primePages(setup.work / "scratch", static_cast<std::uint64_t>(point.bytes));
       const Usage usage = runWell(cut.command);
       point.bytes = static_cast<double>(bytesOf(cut.outputs));
       if (round >= 0) point.seconds.push_back(usage.wall);

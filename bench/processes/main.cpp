@@ -12,10 +12,13 @@ namespace statecut::bench {
 namespace {
 
 constexpr std::pair<const char*, RowSamples (*)(const Setup&)> kRows[] = {
-    {"cut-warm", cutWarm},       {"cut-all", cutAll},
-    {"cut-cold", cutCold},       {"cut-small", cutSmall},
+    {"cut-warm", cutWarm},       {"cut-small", cutSmall},
+    {"cut-all", cutAll},         {"cut-each", cutEach},
+    {"cut-floor", cutFloor},     {"cut-cold", cutCold},
+    {"cut-synced", cutSynced},   {"cut-baseline", cutBaseline},
     {"bytes-read", bytesRead},   {"bytes-written", bytesWritten},
     {"memory-peak", memoryPeak}, {"memory-slope", memorySlope},
+    {"open-memory", openMemory}, {"open-baseline", openBaseline},
     {"startup", startup},        {"query", query},
     {"verify", verifyCut},       {"growth", growth}};
 
@@ -41,6 +44,7 @@ int main(int argc, char** argv) {
   std::vector<std::string> rows;
   CLI::App app{"Measures whole processes"};
   app.add_option("--bin", setup.bin)->required();
+  app.add_option("--baseline", setup.baseline);
   app.add_option("--data", setup.data)->required();
   app.add_option("--work", setup.work)->required();
   app.add_option("--results", results)->required();

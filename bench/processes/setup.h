@@ -11,9 +11,10 @@
 namespace statecut::bench {
 
 struct Setup {
-  Path bin;   // folder of the programs
-  Path data;  // folder of the national pair
-  Path work;  // folder for what a measurement makes, on the file system of the data
+  Path bin;       // folder of the programs
+  Path data;      // folder of the national pair
+  Path work;      // folder for what a measurement makes, on the file system of the data
+  Path baseline;  // folder of the programs of another version; empty: none
   int rounds = 9;
   bool quick = false;
 
@@ -27,6 +28,12 @@ RowSamples cutWarm(const Setup& setup);
 RowSamples cutAll(const Setup& setup);
 RowSamples cutSmall(const Setup& setup);
 RowSamples cutCold(const Setup& setup);
+RowSamples cutSynced(const Setup& setup);
+RowSamples cutEach(const Setup& setup);
+RowSamples cutFloor(const Setup& setup);
+RowSamples cutBaseline(const Setup& setup);
+RowSamples openMemory(const Setup& setup);
+RowSamples openBaseline(const Setup& setup);
 RowSamples bytesRead(const Setup& setup);
 RowSamples bytesWritten(const Setup& setup);
 RowSamples memoryPeak(const Setup& setup);
@@ -36,6 +43,14 @@ RowSamples query(const Setup& setup);
 RowSamples verifyCut(const Setup& setup);
 RowSamples growth(const Setup& setup);
 
+inline void addRound(const Usage& ours, const Usage& peer, Figure& wall, Figure* cpu) {
+  wall.ours.push_back(ours.wall);
+  wall.peer.push_back(peer.wall);
+  if (cpu == nullptr) return;
+  cpu->ours.push_back(ours.cpu);
+  cpu->peer.push_back(peer.cpu);
+}
+
 // Calls `ours` and `peer` in turn, one pair a round behind a first pair that is not counted, and
 // adds their seconds.
 template <typename Ours, typename Peer>
@@ -43,12 +58,7 @@ void alternate(int rounds, Ours ours, Peer peer, Figure& wall, Figure* cpu = nul
   for (int round = -1; round < rounds; ++round) {
     const Usage first = ours();
     const Usage second = peer();
-    if (round < 0) continue;
-    wall.ours.push_back(first.wall);
-    wall.peer.push_back(second.wall);
-    if (cpu == nullptr) continue;
-    cpu->ours.push_back(first.cpu);
-    cpu->peer.push_back(second.cpu);
+    if (round >= 0) addRound(first, second, wall, cpu);
   }
 }
 

@@ -1,83 +1,14 @@
 // Bytes that a cut reads and writes, by its system calls.
 
-#include <map>
-#include <regex>
-#include <sstream>
+#include <algorithm>
 
 #include "info/info.h"
+#include "processes/calls.h"
 #include "processes/cuts.h"
 
 namespace statecut::bench {
 
 namespace {
-
-struct Traffic {
-  std::map<std::string, std::uint64_t> read;  // by path
-  std::map<std::string, std::uint64_t> written;
-};
-
-// The paths in "read(3</a/b>, ..., 4</c>, ...".
-std::vector<std::string> pathsIn(const std::string& arguments) {
-  static const std::regex descriptor("[0-9]+<([^>]*)>");
-  std::vector<std::string> paths;
-  for (std::sregex_iterator at(arguments.begin(), arguments.end(), descriptor), end; at != end;
-       ++at)
-    paths.push_back((*at)[1]);
-  return paths;
-}
-
-void count(const std::string& line, Traffic& traffic) {
-  static const std::regex call(R"(^([a-z_0-9]+)\((.*)\) += ([0-9]+)$)");
-  std::smatch match;
-  if (!std::regex_match(line, match, call)) return;
-  const std::string name = match[1];
-  const std::vector<std::string> paths = pathsIn(match[2]);
-  const std::uint64_t moved = std::stoull(match[3]);
-  if (paths.empty()) return;
-  if (name.find("write") != std::string::npos) {
-    traffic.written[paths[0]] += moved;
-  } else if (name == "sendfile" && paths.size() == 2) {
-    traffic.written[paths[0]] += moved;
-    traffic.read[paths[1]] += moved;
-  } else {
-    traffic.read[paths[0]] += moved;
-    if (paths.size() == 2) traffic.written[paths[1]] += moved;  // copy_file_range, splice
-  }
-}
-
-// A mapping reads the pages that it covers, all of them.
-void countMapping(const std::string& line, Traffic& traffic) {
-  static const std::regex call(R"(^mmap\([^,]*, ([0-9]+), (.*)\) += 0x.*$)");
-  constexpr std::uint64_t page = 4096;
-  std::smatch match;
-  if (!std::regex_match(line, match, call)) return;
-  const std::vector<std::string> paths = pathsIn(match[2]);
-  if (paths.size() == 1) traffic.read[paths[0]] += (std::stoull(match[1]) + page - 1) / page * page;
-}
-
-Traffic trace(const Setup& setup, const Cut& cut) {
-  const Path folder = setup.work / "strace";
-  std::filesystem::remove_all(folder);
-  std::filesystem::create_directories(folder);
-  // One file a thread; -y tells the path behind a descriptor.
-  Command command{.words = {"strace", "-ff", "-y", "-s", "0", "-o", folder / "calls", "-e",
-                            "trace=read,pread64,readv,preadv,preadv2,write,pwrite64,writev,pwritev,"
-                            "pwritev2,copy_file_range,sendfile,splice,mmap"}};
-  command.words.insert(command.words.end(), cut.command.words.begin(), cut.command.words.end());
-  runWell(command);
-  Traffic traffic;
-  for (const auto& file : std::filesystem::directory_iterator(folder)) {
-    std::istringstream lines(readFile(file.path()));
-    for (std::string line; std::getline(lines, line);) {
-      if (line.rfind("mmap", 0) == 0) {
-        countMapping(line, traffic);
-      } else {
-        count(line, traffic);
-      }
-    }
-  }
-  return traffic;
-}
 
 // Control records, tables of the reference file that a cut uses, partitions that it keeps.
 std::uint64_t neededBytes(const Setup& setup, const Cut& cut) {
@@ -92,39 +23,47 @@ std::uint64_t neededBytes(const Setup& setup, const Cut& cut) {
   return sum + bytesOf({cut.outputs[1]});  // which begins with the range control record
 }
 
-std::uint64_t sumOf(const std::map<std::string, std::uint64_t>& counts, const Paths& paths) {
+std::uint64_t sumOf(const std::vector<Move>& moves, bool written, const Paths& paths) {
   std::uint64_t sum = 0;
-  for (const Path& path : paths) {
-    const auto found = counts.find(path);
-    if (found != counts.end()) sum += found->second;
-  }
+  for (const Move& move : moves)
+    if (move.write == written && std::find(paths.begin(), paths.end(), move.path) != paths.end())
+      sum += move.bytes;
   return sum;
 }
 
-RowSamples compare(std::uint64_t ours, std::uint64_t peer) {
-  return {{{"", "bytes", {static_cast<double>(ours)}, {static_cast<double>(peer)}}}, {}};
+// What a traced cut moves against what it must.
+template <typename Moved, typename Needed>
+RowSamples compare(const Setup& setup, Moved moved, Needed needed) {
+  const Cut cut = prepareCut(setup, setup.work / "traced", {"TX", "OK"});
+  cut.remove();
+  const std::vector<Move> moves = movesOf(setup, cut.command);
+  const auto ours = static_cast<double>(moved(cut, moves));
+  const auto peer = static_cast<double>(needed(cut));
+  cut.remove();
+  return {{{"", "bytes", {ours}, {peer}}}, {}};
 }
 
 }  // namespace
 
 RowSamples bytesRead(const Setup& setup) {
-  const Cut cut = prepareCut(setup, setup.work / "traced", {"TX", "OK"});
-  cut.remove();
-  const Traffic traffic = trace(setup, cut);
-  RowSamples samples =
-      compare(sumOf(traffic.read, {setup.ref(), setup.rng()}), neededBytes(setup, cut));
-  cut.remove();
-  return samples;
+  return compare(
+      setup,
+      [&](const Cut&, const std::vector<Move>& moves) {
+        return sumOf(moves, false, {setup.ref(), setup.rng()});
+      },
+      [&](const Cut& cut) { return neededBytes(setup, cut); });
 }
 
 RowSamples bytesWritten(const Setup& setup) {
-  const Cut cut = prepareCut(setup, setup.work / "traced", {"TX", "OK"});
-  cut.remove();
-  const Traffic traffic = trace(setup, cut);
-  const Paths written = {cut.outputs[0], cut.outputs[1], cut.log};
-  RowSamples samples = compare(sumOf(traffic.written, written), bytesOf(written));
-  cut.remove();
-  return samples;
+  const auto written = [](const Cut& cut) {
+    return Paths{cut.outputs[0], cut.outputs[1], cut.log};
+  };
+  return compare(
+      setup,
+      [&](const Cut& cut, const std::vector<Move>& moves) {
+        return sumOf(moves, true, written(cut));
+      },
+      [&](const Cut& cut) { return bytesOf(written(cut)); });
 }
 
 }  // namespace statecut::bench
