@@ -9,78 +9,15 @@ namespace statecut::bench {
 
 namespace {
 
-const unsigned char* bytesOf(const std::string& name) {
-  return reinterpret_cast<const unsigned char*>(name.data());
-}
+// dbHashFind, or dbHashFindOff.
+using Find = decltype(&dbHashFind);
 
-std::uint32_t findIn(const Names& names, const std::string& name) {
-  return dbHashFind(bytesOf(name), static_cast<std::int32_t>(name.size()), names.type, pProcObj);
-}
-
-std::uint32_t findOff(const Names& names, const std::string& name) {
-  return dbHashFindOff(bytesOf(name), static_cast<std::int32_t>(name.size()), names.type, pProcObj);
-}
-
-// Adds the lookups of one contender, after a comparison of its answers with ours.
-template <typename Ours, typename Peer>
-void addPeer(const std::string& group, const std::string& name,
-             const std::vector<std::string>& queries, Ours ours, Peer& peer) {
-  const auto find = [&peer](const std::string& query) { return peer.find(query); };
-  compareAnswers(group + "/" + name, queries, ours, find);
-  addLookups(group + "/" + name, queries, find);
-}
-
-void addFigure(LookupSetup& setup, const std::string& row, const Times& times,
-               const std::string& group, const std::string& label, const std::string& peer) {
-  Figure figure = figureOf(times, group, "statecut", peer);
-  figure.name = label;
-  setup.rows[row].figures.push_back(figure);
-}
-
-// Hits, then misses.
-template <typename Use>
-void forHitsAndMisses(const Names& names, Use use) {
-  use(std::string(names.kind) + " hit", names.hits);
-  use(std::string(names.kind) + " miss", names.misses);
-}
-
-void contestInMemory(LookupSetup& setup, const Names& names) {
-  MapPeer map(names);
-  CdbPeer cdb(names, setup.work / "names.cdb");
-  LmdbPeer lmdb(names, setup.work / "names.mdb");
-  SqlitePeer sqlite(names, ":memory:");
-  forHitsAndMisses(names, [&](const std::string& label, const auto& queries) {
-    const std::string group = "memory " + label;
-    const auto ours = [&names](const std::string& name) { return findIn(names, name); };
-    addLookups(group + "/statecut", queries, ours);
-    if (setup.wants("names-map")) addPeer(group, "map", queries, ours, map);
-    if (setup.wants("names-cdb")) addPeer(group, "cdb", queries, ours, cdb);
-    if (setup.wants("names-lmdb")) addPeer(group, "lmdb", queries, ours, lmdb);
-    if (setup.wants("names-sqlite")) addPeer(group, "sqlite", queries, ours, sqlite);
-    const Times times = runGroup(group, setup.rounds);
-    for (const char* peer : {"map", "cdb", "lmdb", "sqlite"}) {
-      const std::string row = std::string("names-") + peer;
-      if (setup.wants(row)) addFigure(setup, row, times, group, label, peer);
-    }
-  });
-}
-
-void contestOnDisk(LookupSetup& setup, const Names& names) {
-  LmdbPeer lmdb(names, setup.work / "names.mdb");
-  SqlitePeer sqlite(names, setup.work / "names.sqlite");
-  forHitsAndMisses(names, [&](const std::string& label, const auto& queries) {
-    const std::string group = "disk " + label;
-    const auto ours = [&names](const std::string& name) { return findOff(names, name); };
-    addLookups(group + "/statecut", queries, ours);
-    if (setup.wants("disk-lmdb")) addPeer(group, "lmdb", queries, ours, lmdb);
-    if (setup.wants("disk-sqlite")) addPeer(group, "sqlite", queries, ours, sqlite);
-    const Times times = runGroup(group, setup.rounds);
-    for (const char* peer : {"lmdb", "sqlite"}) {
-      const std::string row = std::string("disk-") + peer;
-      if (setup.wants(row)) addFigure(setup, row, times, group, label, peer);
-    }
-  });
-}
+// A peer, and how it is called in the name of its row.
+template <typename Peer>
+struct Contender {
+  const char* name;
+  Peer& peer;
+};
 
 void noteSizes(RowSamples& row, const std::vector<Names>& kinds) {
   std::string note;
@@ -90,6 +27,42 @@ void noteSizes(RowSamples& row, const std::vector<Names>& kinds) {
   row.notes.push_back(note);
 }
 
+template <typename Ours, typename Peer>
+void addPeer(const std::string& group, const std::vector<std::string>& queries, Ours ours,
+             Contender<Peer> contender) {
+  const std::string name = group + "/" + contender.name;
+  const auto find = [peer = &contender.peer](const std::string& query) {
+    return peer->find(query);
+  };
+  compareAnswers(name, queries, ours, find);
+  addLookups(name, queries, find);
+}
+
+// Hits, then misses; the figures go to the rows PREFIX + name of the peer that are wanted.
+template <typename... Peers>
+void hold(LookupSetup& setup, const std::string& prefix, const Names& names, Find find,
+          Contender<Peers>... contenders) {
+  const auto ours = [find, type = names.type](const std::string& name) {
+    return find(reinterpret_cast<const unsigned char*>(name.data()),
+                static_cast<std::int32_t>(name.size()), type, pProcObj);
+  };
+  const auto wanted = [&](const char* peer) { return setup.wants(prefix + peer); };
+  for (const bool hit : {true, false}) {
+    const std::vector<std::string>& queries = hit ? names.hits : names.misses;
+    const std::string label = std::string(names.kind) + (hit ? " hit" : " miss");
+    const std::string group = prefix + " " + label;
+    addLookups(group + "/statecut", queries, ours);
+    ((wanted(contenders.name) ? addPeer(group, queries, ours, contenders) : void()), ...);
+    const Times times = runGroup(group, setup.rounds);
+    for (const char* peer : {contenders.name...}) {
+      if (!wanted(peer)) continue;
+      Figure figure = figureOf(times, group, "statecut", peer);
+      figure.name = label;
+      setup.rows[prefix + peer].figures.push_back(figure);
+    }
+  }
+}
+
 }  // namespace
 
 void measureNamesInMemory(LookupSetup& setup, const std::vector<Names>& kinds) {
@@ -97,7 +70,15 @@ void measureNamesInMemory(LookupSetup& setup, const std::vector<Names>& kinds) {
   for (const char* row : {"names-map", "names-cdb", "names-lmdb", "names-sqlite"})
     wanted = wanted || setup.wants(row);
   if (!wanted) return;
-  for (const Names& names : kinds) contestInMemory(setup, names);
+  for (const Names& names : kinds) {
+    MapPeer map(names);
+    CdbPeer cdb(names, setup.work / "names.cdb");
+    LmdbPeer lmdb(names, setup.work / "names.mdb");
+    SqlitePeer sqlite(names, ":memory:");
+    hold(setup, "names-", names, dbHashFind, Contender<MapPeer>{"map", map},
+         Contender<CdbPeer>{"cdb", cdb}, Contender<LmdbPeer>{"lmdb", lmdb},
+         Contender<SqlitePeer>{"sqlite", sqlite});
+  }
   if (setup.wants("names-map")) noteSizes(setup.rows["names-map"], kinds);
 }
 
@@ -105,7 +86,12 @@ void measureNamesOnDisk(LookupSetup& setup, const std::vector<Names>& kinds) {
   if (!setup.wants("disk-lmdb") && !setup.wants("disk-sqlite")) return;
   Session session;
   openSession(session, setup, LookupMode::kOff);
-  for (const Names& names : kinds) contestOnDisk(setup, names);
+  for (const Names& names : kinds) {
+    LmdbPeer lmdb(names, setup.work / "names.mdb");
+    SqlitePeer sqlite(names, setup.work / "names.sqlite");
+    hold(setup, "disk-", names, dbHashFindOff, Contender<LmdbPeer>{"lmdb", lmdb},
+         Contender<SqlitePeer>{"sqlite", sqlite});
+  }
 }
 
 }  // namespace statecut::bench

@@ -4,15 +4,12 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <stdexcept>
+
+#include "measure/sqlite.h"
 
 namespace statecut::bench {
 
 namespace {
-
-void need(bool good, const char* what) {
-  if (!good) throw std::runtime_error(std::string(what) + " failed");
-}
 
 std::uint32_t number(const void* from) {
   std::uint32_t value = 0;
@@ -26,27 +23,14 @@ int openFile(const std::filesystem::path& file, int flags) {
   return descriptor;
 }
 
-void execute(sqlite3* db, const char* sql) {
-  need(sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
-}
-
 void bindName(sqlite3_stmt* statement, const std::string& name) {
   sqlite3_bind_text(statement, 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC);
 }
 
 void fill(sqlite3* db, const Names& names) {
   execute(db, "BEGIN; CREATE TABLE names(name TEXT PRIMARY KEY, number INTEGER) WITHOUT ROWID");
-  sqlite3_stmt* insert = nullptr;
-  need(
-      sqlite3_prepare_v2(db, "INSERT INTO names VALUES(?1, ?2)", -1, &insert, nullptr) == SQLITE_OK,
-      "preparing an insertion");
-  for (const auto& [name, value] : names.all) {
-    bindName(insert, name);
-    sqlite3_bind_int64(insert, 2, value);
-    need(sqlite3_step(insert) == SQLITE_DONE, "an insertion");
-    sqlite3_reset(insert);
-  }
-  sqlite3_finalize(insert);
+  Insertion insertion(db, "INSERT INTO names VALUES(?1, ?2)");
+  for (const auto& [name, value] : names.all) insertion.add(name, value);
   execute(db, "COMMIT");
 }
 

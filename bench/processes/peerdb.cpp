@@ -1,11 +1,8 @@
 #include "processes/peerdb.h"
 
-#include <sqlite3.h>
-
 #include <filesystem>
-#include <stdexcept>
-#include <string_view>
 
+#include "measure/sqlite.h"
 #include "tables/refpointers.h"
 
 namespace statecut::bench {
@@ -28,10 +25,6 @@ constexpr char kIndexes[] =
     "CREATE INDEX street_by_name ON streets(name); CREATE INDEX firm_by_name ON firms(name);"
     "COMMIT; ANALYZE;";
 
-void need(bool good, const char* what) {
-  if (!good) throw std::runtime_error(std::string(what) + " failed");
-}
-
 struct Database {
   sqlite3* db = nullptr;
   explicit Database(const std::string& file) {
@@ -41,72 +34,38 @@ struct Database {
   ~Database() { sqlite3_close(db); }
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
-  void execute(const char* sql) const {
-    need(sqlite3_exec(db, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql);
-  }
-};
-
-// An insertion that is made again and again; add() takes the values in their order.
-class Insertion {
- public:
-  Insertion(const Database& to, const char* sql) {
-    need(sqlite3_prepare_v2(to.db, sql, -1, &statement_, nullptr) == SQLITE_OK, sql);
-  }
-  ~Insertion() { sqlite3_finalize(statement_); }
-  Insertion(const Insertion&) = delete;
-  Insertion& operator=(const Insertion&) = delete;
-
-  template <typename... Values>
-  void add(const Values&... values) {
-    int at = 0;
-    (bind(++at, values), ...);
-    need(sqlite3_step(statement_) == SQLITE_DONE, "an insertion");
-    sqlite3_reset(statement_);
-  }
-
- private:
-  void bind(int at, std::uint32_t number) { sqlite3_bind_int64(statement_, at, number); }
-  void bind(int at, std::string_view text) {
-    sqlite3_bind_text(statement_, at, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
-  }
-  template <std::size_t N>
-  void bind(int at, const Row<N>& record) {
-    sqlite3_bind_blob(statement_, at, record.bytes.data(), N, SQLITE_STATIC);
-  }
-
-  sqlite3_stmt* statement_ = nullptr;
 };
 
 std::string_view text(const unsigned char* from, std::size_t length) {
   return {reinterpret_cast<const char*>(from), length};
 }
 
-void addZips(const Database& to, const R& ref) {
+void addZips(sqlite3* to, const R& ref) {
   Insertion zips(to, "INSERT INTO zips VALUES(?1, ?2, ?3)");
   Insertion cities(to, "INSERT INTO zip_cities VALUES(?1, ?2, ?3)");
   for (std::uint32_t key = 1; key < ref.get(R::zipDataCount); ++key) {
     const ZipDataRow& record = *dbGetZipDataFromKey(static_cast<std::int32_t>(key));
-    zips.add(record.get(ZipDataRow::zip), key, record);
+    zips.add(record.get(ZipDataRow::zip), key, record.bytes);
     const KeyRow* keys = dbGetCityKeysPtr(&record);
     for (std::uint32_t i = 0; keys != nullptr && i < record.get(ZipDataRow::cityKeysCount); ++i)
       cities.add(key, i, std::uint32_t{keys[i].get(KeyRow::key)});
   }
 }
 
-void addCities(const Database& to, const R& ref) {
+void addCities(sqlite3* to, const R& ref) {
   Insertion cities(to, "INSERT INTO cities VALUES(?1, ?2)");
   for (std::uint32_t key = 1; key < ref.get(R::cityDataCount); ++key)
-    cities.add(key, *dbGetCityData(static_cast<std::int32_t>(key)));
+    cities.add(key, dbGetCityData(static_cast<std::int32_t>(key))->bytes);
   Insertion names(to, "INSERT INTO city_names VALUES(?1, ?2, ?3, ?4)");
   for (std::uint32_t number = 1; number < ref.get(R::cityNamesCount); ++number) {
     const CityNameRow& record = *dbGetCityName(&number);
     names.add(number, text(record.get(CityNameRow::state).data(), CityNameRow::state.width),
               text(record.get(CityNameRow::name).data(), record.get(CityNameRow::nameLength)),
-              record);
+              record.bytes);
   }
 }
 
-void addPacked(const Database& to, const char* sql, SlotNumber slot, std::uint32_t bytes) {
+void addPacked(sqlite3* to, const char* sql, SlotNumber slot, std::uint32_t bytes) {
   Insertion names(to, sql);
   const unsigned char* table = refPointers[slot].table;
   for (std::uint32_t at = 0; at < bytes; at += 1 + std::uint32_t{table[at]})
@@ -117,14 +76,15 @@ void addPacked(const Database& to, const char* sql, SlotNumber slot, std::uint32
 
 void writePeerDb(Session& session, const std::string& file) {
   const R& ref = session.ref();
-  const Database to(file);
-  to.execute(kSchema);
+  const Database database(file);
+  sqlite3* const to = database.db;
+  execute(to, kSchema);
   addZips(to, ref);
   addCities(to, ref);
   addPacked(to, "INSERT INTO streets VALUES(?1, ?2)", kSlotStreetNames,
             ref.get(R::streetNamesBytes));
   addPacked(to, "INSERT INTO firms VALUES(?1, ?2)", kSlotFirms, ref.get(R::firmsBytes));
-  to.execute(kIndexes);
+  execute(to, kIndexes);
 }
 
 }  // namespace statecut::bench
