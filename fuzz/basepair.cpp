@@ -15,10 +15,10 @@
 #include "dbbuilder/rangefile.h"
 #include "dbbuilder/writer.h"
 #include "dbfiles/controlrec.h"
+#include "format/directory.h"
 #include "run/rundriver.h"
 #include "run/settings.h"
 #include "tables/refpointers.h"
-#include "verify/directory.h"
 
 namespace statecut::fuzz {
 
@@ -109,8 +109,8 @@ Bases& bases() {
   return *made;
 }
 
-const verify::TableDef& tableOf(Input& input) {
-  return verify::tableDefs()[input.below(verify::kTables)];
+const format::TableDef& tableOf(Input& input) {
+  return format::tableDefs()[input.below(format::kTables)];
 }
 
 std::time_t fixedTime() { return 1767225600; }
@@ -224,7 +224,7 @@ std::uint32_t DamagedPair::value(Input& input, std::uint32_t old) const {
 }
 
 void DamagedPair::editRecord(Input& input) {
-  const verify::TableDef& table = tableOf(input);
+  const format::TableDef& table = tableOf(input);
   const std::uint32_t count = table.countAt == 0 ? 0 : ref_->word(table.countAt);
   constexpr std::uint8_t kLast = 255;
   constexpr std::uint8_t kMiddle = 254;
@@ -274,7 +274,7 @@ void DamagedPair::edit(Input& input) {
       return ref_->put(at, 1, ref_->word(at) ^ (1U << (input.u8() % 8)));
     }
     default: {
-      const verify::TableDef& table = tableOf(input);
+      const format::TableDef& table = tableOf(input);
       const std::size_t from = ref_->word(table.rbaAt) + std::size_t{input.u8()} * table.width;
       const std::size_t to = ref_->word(table.rbaAt) + std::size_t{input.u8()} * table.width;
       if (from >= ref_->size() || table.width > ref_->size() - from) return;

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "dbfiles/apiutil.h"
+#include "format/directory.h"
 #include "query/ops.h"
-#include "verify/directory.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define STATECUT_POISON 1
@@ -53,7 +53,7 @@ std::uint32_t numberFrom(const Session& session, Input& input) {
       return 0xFFFFFFFF;
     case 6: {
       // A table's count, or one beside it.
-      const std::size_t at = verify::tableDefs()[input.below(verify::kTables)].countAt;
+      const std::size_t at = format::tableDefs()[input.below(format::kTables)].countAt;
       return le::get<4>(session.ref().bytes.data() + at) + input.u8() % 3U - 1U;
     }
     default:

@@ -11,7 +11,7 @@
 #include "dbbuilder/random.h"
 #include "dbbuilder/writer.h"
 #include "dbfiles/controlrec.h"
-#include "verify/directory.h"
+#include "format/directory.h"
 
 namespace statecut::fuzz {
 
@@ -60,7 +60,7 @@ std::vector<NamedEdit> wordEdits(std::size_t step) {
         {"word-" + std::to_string(kind) + "-" + std::to_string(at) + "-" + std::to_string(value),
          {1, byte(kind), byte(at / 4), byte(value), 7, 3, 1, 0}});
   };
-  for (const verify::TableDef& table : verify::tableDefs())
+  for (const format::TableDef& table : format::tableDefs())
     for (std::size_t value = 0; value < kValueKinds; ++value) {
       add(kRefWord, table.rbaAt, value);
       if (table.countAt != 0) add(kRefWord, table.countAt, value);
@@ -74,7 +74,7 @@ std::vector<NamedEdit> wordEdits(std::size_t step) {
 std::vector<NamedEdit> tableEdits(std::size_t step) {
   std::vector<NamedEdit> edits;
   std::size_t number = 0;
-  for (std::size_t table = 0; table < verify::kTables; ++table) {
+  for (std::size_t table = 0; table < format::kTables; ++table) {
     const std::string of = std::to_string(table);
     for (const unsigned char record : Bytes{0, 1, 254, 255})
       for (const unsigned char at : Bytes{0, 2, 3, 4, 30})

@@ -8,8 +8,8 @@
 
 #include "basepair.h"
 #include "dbfiles/controlrec.h"
+#include "format/directory.h"
 #include "run/statetable.h"
-#include "verify/directory.h"
 #include "verify/verify.h"
 
 using namespace statecut;
@@ -34,8 +34,8 @@ std::string statesFrom(Input& input) {
 }
 
 bool tablesFit(std::span<const unsigned char> file) {
-  for (std::size_t i = 0; i < verify::kTables; ++i) {
-    const auto place = verify::placeTable(static_cast<verify::TableId>(i), file);
+  for (std::size_t i = 0; i < format::kTables; ++i) {
+    const auto place = format::placeTable(static_cast<format::TableId>(i), file);
     if (place.carried && !place.fits) return false;
   }
   return true;

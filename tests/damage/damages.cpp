@@ -4,9 +4,9 @@
 #include <cstring>
 #include <set>
 
+#include "format/directory.h"
 #include "layouts.h"
 #include "programs.h"
-#include "verify/directory.h"
 
 namespace statecut::test {
 
@@ -93,7 +93,7 @@ PairImage damaged(const PairImage& pair, const Damage& damage) {
 }
 
 Damages everyLength(const PairImage& pair) {
-  const auto index = verify::placeTable(verify::TableId::ZipIndex, pair.ref);
+  const auto index = format::placeTable(format::TableId::ZipIndex, pair.ref);
   const auto programsAt = [&](bool range, std::uint64_t length) -> std::uint8_t {
     constexpr std::uint64_t kEdge = 64;
     if (range || length < index.rba + kEdge || length + kEdge > index.rba + index.bytes)
@@ -116,8 +116,8 @@ Damages tableEdges(const PairImage& pair) {
   const auto add = [](std::set<std::uint64_t>& lengths, std::uint64_t begin, std::uint64_t bytes) {
     if (bytes > 0) lengths.insert({begin, begin + 1, begin + bytes - 1, begin + bytes});
   };
-  for (std::size_t i = 0; i < verify::kTables; ++i) {
-    const auto place = verify::placeTable(static_cast<verify::TableId>(i), pair.ref);
+  for (std::size_t i = 0; i < format::kTables; ++i) {
+    const auto place = format::placeTable(static_cast<format::TableId>(i), pair.ref);
     add(ref, place.rba, place.bytes);
   }
   for (const auto& [start, bytes] : rangeAreas(pair.rng)) add(rng, start, bytes);
@@ -133,14 +133,14 @@ Damages tableEdges(const PairImage& pair) {
 Damages fieldValues(const PairImage& pair) {
   Damages made;
   addControlFields(pair, made.fields);
-  for (std::size_t i = 0; i < verify::kTables; ++i)
-    addTableFields(pair, static_cast<verify::TableId>(i), Choice::kThree, made.fields);
+  for (std::size_t i = 0; i < format::kTables; ++i)
+    addTableFields(pair, static_cast<format::TableId>(i), Choice::kThree, made.fields);
   addValues(pair, made);
   return made;
 }
 
 Damages everyBit(const PairImage& pair) {
-  using verify::TableId;
+  using format::TableId;
   Damages made;
   addControlFields(pair, made.fields);
   for (const TableId id :
@@ -189,7 +189,7 @@ std::uint64_t prescribedBytes(const PairImage& pair, const Damages& damages, con
     return size ? value : 0;
   }
   std::uint64_t most = multiZipKeyBytes(field, value);
-  for (const verify::TableDef& def : verify::tableDefs())
+  for (const format::TableDef& def : format::tableDefs())
     if (!field.range && def.countAt == field.at) most = std::max(most, value * def.width);
   return most;
 }
@@ -204,7 +204,7 @@ std::uint64_t tableBytes(const PairImage& pair, const Damages& damages, const Da
     return word < 0x80000000U ? word : 0;
   };
   std::uint64_t all = allocated(multiZipKeyBytes(field, value));
-  for (const verify::TableDef& def : verify::tableDefs())
+  for (const format::TableDef& def : format::tableDefs())
     if (def.countAt == field.at) all += allocated(value * def.width);
   return all;
 }

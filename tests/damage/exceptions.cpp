@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "dbfiles/controlrec.h"
+#include "format/directory.h"
 #include "tables/rows.h"
-#include "verify/directory.h"
 
 namespace statecut::test {
 
@@ -57,7 +57,7 @@ bool noEntry(const PairImage& sound, const Field& field, const Damage& damage) {
 // A place inside the file for a partition of no bytes.
 template <std::size_t SizeAt, std::size_t Width>
 bool emptyPartition(const PairImage& sound, const Field& field, const Damage& damage) {
-  const auto sizes = verify::placeTable(verify::TableId::ZipBytes, sound.ref);
+  const auto sizes = format::placeTable(format::TableId::ZipBytes, sound.ref);
   const unsigned char* size = sound.ref.data() + sizes.rba + field.record * ZipBytesRow::size;
   const std::uint32_t rba = le::get<4>(damaged(sound, damage).ref.data() + field.at);
   return le::get<Width>(size + SizeAt) == 0 && rba >= RngControlRec::size &&
@@ -66,7 +66,7 @@ bool emptyPartition(const PairImage& sound, const Field& field, const Damage& da
 
 // One of several names of the city.
 bool ownName(const PairImage& sound, const Field& field, const Damage& damage) {
-  const auto names = verify::placeTable(verify::TableId::CityNames, sound.ref);
+  const auto names = format::placeTable(format::TableId::CityNames, sound.ref);
   const std::uint32_t link = le::get<4>(damaged(sound, damage).ref.data() + field.at);
   return link > 0 && link < names.count &&
          le::get<2>(sound.ref.data() + names.rba + link * CityNameRow::size) == field.record;
@@ -90,31 +90,31 @@ std::uint32_t valueOf(const PairImage& sound, const Field& field, const Damage& 
   return field.width >= 4 ? le::get<4>(at) : field.width == 2 ? le::get<2>(at) : *at;
 }
 
-std::uint32_t countOf(verify::TableId id, const PairImage& sound) {
-  return static_cast<std::uint32_t>(verify::placeTable(id, sound.ref).count);
+std::uint32_t countOf(format::TableId id, const PairImage& sound) {
+  return static_cast<std::uint32_t>(format::placeTable(id, sound.ref).count);
 }
 
 // A key of a record: 0 leads to the dummy.
-template <verify::TableId Table>
+template <format::TableId Table>
 bool validKey(const PairImage& sound, const Field& field, const Damage& damage) {
   const std::uint32_t key = valueOf(sound, field, damage);
   return key != 0 && key < countOf(Table, sound);
 }
 
 // The same, or none.
-template <verify::TableId Table>
+template <format::TableId Table>
 bool validKeyOrNone(const PairImage& sound, const Field& field, const Damage& damage) {
   return valueOf(sound, field, damage) < countOf(Table, sound);
 }
 
 // Behind the count the table holds what no list needs.
 bool validListed(const PairImage& sound, const Field& field, const Damage& damage) {
-  return field.record >= field.count || validKey<verify::TableId::ZipData>(sound, field, damage);
+  return field.record >= field.count || validKey<format::TableId::ZipData>(sound, field, damage);
 }
 
 // Where a street name begins.
 bool isStreet(const PairImage& sound, std::uint32_t key) {
-  const auto place = verify::placeTable(verify::TableId::StreetNames, sound.ref);
+  const auto place = format::placeTable(format::TableId::StreetNames, sound.ref);
   std::uint64_t at = 0;
   while (at < key && at < place.bytes) at += 1U + sound.ref[place.rba + at];
   return at == key && at < place.bytes;
@@ -127,7 +127,7 @@ bool validVariation(const PairImage& sound, const Field& field, const Damage& da
 }
 
 using M = CityMultiZipRow;
-using verify::TableId;
+using format::TableId;
 
 constexpr const char* kCarried = "carried, not interpreted";
 constexpr const char* kNoEntry =

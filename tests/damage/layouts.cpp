@@ -8,7 +8,7 @@ namespace statecut::test {
 
 namespace {
 
-using verify::TableId;
+using format::TableId;
 using R = RefControlRec;
 using G = RngControlRec;
 
@@ -102,7 +102,7 @@ class Adder {
 };
 
 // Offsets of the names of a packed table, whose length byte stands `skip` bytes behind them.
-std::vector<std::uint64_t> packedOffsets(const Bytes& file, const verify::TablePlace& place,
+std::vector<std::uint64_t> packedOffsets(const Bytes& file, const format::TablePlace& place,
                                          std::uint64_t skip) {
   std::vector<std::uint64_t> offsets;
   for (std::uint64_t at = place.rba; at + skip < place.rba + place.bytes;) {
@@ -123,7 +123,7 @@ std::vector<std::uint64_t> chosen(std::uint64_t count, Choice choice) {
 }
 
 void addPacked(const PairImage& pair, TableId id, Choice choice, Adder& adder) {
-  const verify::TablePlace place = verify::placeTable(id, pair.ref);
+  const format::TablePlace place = format::placeTable(id, pair.ref);
   const bool variation = id == TableId::StreetPhonetics || id == TableId::StreetStandards;
   const auto offsets = packedOffsets(pair.ref, place, variation ? 4 : 0);
   Layout layout = variation ? Layout{{"value", 4}, {"flagAndLength", 1}, {"text", 0}}
@@ -137,7 +137,7 @@ void addPacked(const PairImage& pair, TableId id, Choice choice, Adder& adder) {
 
 // The ambiguous lists: their first entries.
 void addLists(const PairImage& pair, TableId id, Adder& adder) {
-  const verify::TablePlace place = verify::placeTable(id, pair.ref);
+  const format::TablePlace place = format::placeTable(id, pair.ref);
   std::uint64_t list = 0;
   for (std::uint64_t at = place.rba; at + 9 <= place.rba + place.bytes; ++list) {
     adder.add(list, at, {{"count", 2}, {"street", 4}, {"scfCount", 1}, {"scf", 2}});
@@ -163,9 +163,9 @@ void addControlFields(const PairImage& pair, std::vector<Field>& fields) {
 }
 
 void addTableFields(const PairImage& pair, TableId id, Choice choice, std::vector<Field>& fields) {
-  const verify::TablePlace place = verify::placeTable(id, pair.ref);
+  const format::TablePlace place = format::placeTable(id, pair.ref);
   if (!place.carried || place.bytes == 0) return;
-  Adder adder(false, verify::tableDef(id).name, place.count, fields);
+  Adder adder(false, format::tableDef(id).name, place.count, fields);
   switch (id) {
     case TableId::StreetNames:
     case TableId::Firms:

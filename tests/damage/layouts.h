@@ -6,15 +6,15 @@
 
 #include "damages.h"
 #include "dbfiles/controlrec.h"
+#include "format/directory.h"
 #include "tables/rows.h"
-#include "verify/directory.h"
 
 namespace statecut::test {
 
 enum class Choice : std::uint8_t { kThree, kAll };  // first, middle and last record, or all
 
 void addControlFields(const PairImage& pair, std::vector<Field>& fields);
-void addTableFields(const PairImage& pair, verify::TableId id, Choice choice,
+void addTableFields(const PairImage& pair, format::TableId id, Choice choice,
                     std::vector<Field>& fields);
 
 // Start and bytes of the areas of a range file.

@@ -3,9 +3,9 @@
 #include <string_view>
 
 #include "dbfiles/controlrec.h"
+#include "format/names.h"
 #include "programs.h"
 #include "query/ops.h"
-#include "verify/names.h"
 
 namespace statecut::test {
 
@@ -18,11 +18,11 @@ class Maker {
   explicit Maker(const PairImage& pair) : pair_(pair) {}
 
   void names() {
-    using verify::TableId;
-    for (unsigned type = 0; type < verify::kNameTypes; ++type) {
-      const auto place = verify::placeTable(verify::tableOfType(type), pair_.ref);
+    using format::TableId;
+    for (unsigned type = 0; type < format::kNameTypes; ++type) {
+      const auto place = format::placeTable(format::tableOfType(type), pair_.ref);
       const std::span<const unsigned char> table(pair_.ref.data() + place.rba, place.bytes);
-      verify::forEachName(type, table, [&](std::uint64_t number, std::string_view name) {
+      format::forEachName(type, table, [&](std::uint64_t number, std::string_view name) {
         named(type, std::to_string(number), std::string(name));
         if (number % 3 == 0) named(type, std::to_string(number + 1), std::string(name) + "S");
       });

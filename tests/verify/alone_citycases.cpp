@@ -2,8 +2,8 @@
 
 #include "cases.h"
 #include "dbfiles/controlrec.h"
+#include "format/names.h"
 #include "tables/rows.h"
-#include "verify/names.h"
 
 namespace statecut::test {
 
@@ -97,7 +97,7 @@ Spot dropFirm(PairBytes& pair) {
   const auto slots = pair.word(R::hashTableCount.at);
   const auto slotAt = [&](std::size_t at) -> HashSlotRow& {
     const std::string_view name(reinterpret_cast<const char*>(firm + at + 1), firm[at]);
-    return row<HashSlotRow>(pair, R::hashTableRba.at, verify::nameHash(name, 0) & (slots - 1));
+    return row<HashSlotRow>(pair, R::hashTableRba.at, format::nameHash(name, 0) & (slots - 1));
   };
   std::size_t at = 0;
   while (slotAt(at).get(HashSlotRow::count) != 1) at += firm[at] + 1U;
@@ -110,13 +110,13 @@ constexpr const char* kNoStreet = "NO SUCH STREET";
 // Where the hash holds that street, at number 0.
 Spot noStreet(PairBytes& pair) {
   const std::span<const unsigned char> ref(pair.ref);
-  const verify::HashView hash{
+  const format::HashView hash{
       ref.subspan(pair.word(R::hashTableRba.at), 7UL * pair.word(R::hashTableCount.at)),
       ref.subspan(pair.word(R::hashOverflowRba.at), 6UL * pair.word(R::hashOverflowCount.at))};
-  const std::uint32_t value = verify::nameHash(kNoStreet, 1);
+  const std::uint32_t value = format::nameHash(kNoStreet, 1);
   const std::uint32_t slot = hash.slotOf(value);
   Spot spot;
-  verify::forEachEntry(hash, slot, [&](const verify::HashEntry& entry) {
+  format::forEachEntry(hash, slot, [&](const format::HashEntry& entry) {
     if (entry.number != 0 || entry.check != hash.checkOf(value, 1)) return false;
     spot.offset =
         entry.numberAt + pair.word(entry.inOverflow ? R::hashOverflowRba.at : R::hashTableRba.at);

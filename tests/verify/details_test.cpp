@@ -8,7 +8,7 @@
 
 #include "dbfiles/controlrec.h"
 #include "fixture.h"
-#include "verify/mapped.h"
+#include "format/mapped.h"
 
 namespace statecut::test {
 
@@ -155,12 +155,12 @@ TEST(MappedFile, FileMadeShorterWhileItIsReadEndsWithTwo) {
   const std::string path = folder.file("f");
   writeWholeFile(path, FileBytes(100000, 7));
   std::string error;
-  const auto file = verify::MappedFile::open(path, error);
+  const auto file = format::MappedFile::open(path, error);
   ASSERT_EQ(error, "");
   ASSERT_EQ(file.bytes()[99999], 7);
   EXPECT_EXIT(
       {
-        verify::exitOnLostPage();
+        format::exitOnLostPage();
         std::filesystem::resize_file(path, 10);
         std::exit(file.bytes()[99999]);
       },

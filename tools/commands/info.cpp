@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "commands/commands.h"
-#include "verify/mapped.h"
+#include "format/mapped.h"
 
 namespace statecut {
 
@@ -20,7 +20,7 @@ void addInfoCommand(CLI::App& app, int& status) {
   command->add_option("FILE", options->files, "Reference or range files")->required();
   command->footer("Exit status: 0 sound, 1 a file is damaged or no database, 2 can't be opened.");
   command->callback([options, &status] {
-    verify::exitOnLostPage();
+    format::exitOnLostPage();
     status = info::run(options->files, options->json, std::cout, std::cerr);
   });
 }

@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "commands/commands.h"
-#include "verify/mapped.h"
+#include "format/mapped.h"
 #include "verify/verify.h"
 
 namespace statecut {
@@ -31,7 +31,7 @@ void addVerifyCommand(CLI::App& app, int& status) {
       if (one != other) one->needs(other);
   command->footer("Exit status: 0 nothing wrong, 1 findings, 2 the check can't run.");
   command->callback([options, &status] {
-    verify::exitOnLostPage();
+    format::exitOnLostPage();
     status = verify::run(*options, std::cout, std::cerr);
   });
 }

@@ -2,9 +2,9 @@
 #include <map>
 
 #include "dbfiles/controlrec.h"
+#include "format/directory.h"
 #include "info/info.h"
 #include "tables/rows.h"
-#include "verify/directory.h"
 
 namespace statecut::info {
 
@@ -31,11 +31,11 @@ std::string copyrightText(std::span<const unsigned char> bytes) {
 }
 
 void describeTables(std::span<const unsigned char> bytes, FileInfo& file) {
-  for (std::size_t i = 0; i < verify::kTables; ++i) {
-    const auto id = static_cast<verify::TableId>(i);
-    const verify::TablePlace place = verify::placeTable(id, bytes);
+  for (std::size_t i = 0; i < format::kTables; ++i) {
+    const auto id = static_cast<format::TableId>(i);
+    const format::TablePlace place = format::placeTable(id, bytes);
     if (!place.carried) continue;
-    const char* name = verify::tableDef(id).name;
+    const char* name = format::tableDef(id).name;
     file.tables.push_back({name, place.rba, place.count, place.bytes, place.fits});
     if (!place.fits) file.damage.push_back(std::string(name) + " lies outside the file");
   }
@@ -45,16 +45,16 @@ void describeTables(std::span<const unsigned char> bytes, FileInfo& file) {
 }
 
 void countPlaces(std::span<const unsigned char> bytes, FileInfo& file) {
-  const verify::TablePlace names = verify::placeTable(verify::TableId::CityNames, bytes);
+  const format::TablePlace names = format::placeTable(format::TableId::CityNames, bytes);
   if (names.fits && names.count > 0) file.cityNames = names.count - 1;
-  const verify::TablePlace index = verify::placeTable(verify::TableId::ZipIndex, bytes);
+  const format::TablePlace index = format::placeTable(format::TableId::ZipIndex, bytes);
   if (!index.carried || !index.fits) return;
-  for (std::uint64_t zip = 0; zip < verify::kZipIndexEntries; ++zip)
+  for (std::uint64_t zip = 0; zip < format::kZipIndexEntries; ++zip)
     if (le::get<2>(bytes.data() + index.rba + 2 * zip) != 0) ++file.zipCodes;
 }
 
 void describeStates(std::span<const unsigned char> bytes, FileInfo& file) {
-  const verify::TablePlace place = verify::placeTable(verify::TableId::ZipBytes, bytes);
+  const format::TablePlace place = format::placeTable(format::TableId::ZipBytes, bytes);
   if (!place.carried || !place.fits) return;
   std::map<std::string, StateInfo> states;
   const unsigned char* table = bytes.data() + place.rba;

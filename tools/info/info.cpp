@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "verify/mapped.h"
+#include "format/mapped.h"
 
 namespace statecut::info {
 
@@ -12,7 +12,7 @@ int run(const std::vector<std::string>& paths, bool json, std::ostream& out, std
   int status = 0;
   for (const std::string& path : paths) {
     std::string error;
-    const auto mapped = verify::MappedFile::open(path, error);
+    const auto mapped = format::MappedFile::open(path, error);
     if (!error.empty()) {
       err << "statedb info: " << error << '\n';
       status = 2;

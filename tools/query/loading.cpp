@@ -2,14 +2,14 @@
 
 #include <span>
 
+#include "format/directory.h"
 #include "query/run.h"
-#include "verify/directory.h"
 
 namespace statecut::query {
 
 namespace {
 
-using verify::TableId;
+using format::TableId;
 
 // The tables that a set loads.
 struct SetTables {
@@ -42,21 +42,21 @@ constexpr SetTables kSetTables[] = {
     {kHashSet, kHash},
 };
 
-verify::TablePlace placed(Session& session, TableId id) {
-  return verify::placeTable(id, session.ref(), streamSize(session.proc()->files->reference));
+format::TablePlace placed(Session& session, TableId id) {
+  return format::placeTable(id, session.ref(), streamSize(session.proc()->files->reference));
 }
 
 std::string namesOf(std::span<const TableId> tables) {
   std::string names;
   for (const TableId id : tables)
-    names += (names.empty() ? "" : ", ") + std::string(verify::tableDef(id).name);
+    names += (names.empty() ? "" : ", ") + std::string(format::tableDef(id).name);
   return names;
 }
 
 }  // namespace
 
 bool hasZipBytes(Session& session) {
-  const verify::TablePlace place = placed(session, TableId::ZipBytes);
+  const format::TablePlace place = placed(session, TableId::ZipBytes);
   return place.carried && place.rba != 0;
 }
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "format/names.h"
 #include "verify/cutchecks.h"
-#include "verify/names.h"
 
 namespace statecut::verify {
 

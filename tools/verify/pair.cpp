@@ -30,4 +30,10 @@ std::span<const unsigned char> Pair::table(TableId id) const {
   return refBytes().subspan(place(id).rba, place(id).bytes);
 }
 
+NameTables nameTables(const Pair& pair) {
+  NameTables tables;
+  for (unsigned type = 0; type < kNameTypes; ++type) tables[type] = pair.table(tableOfType(type));
+  return tables;
+}
+
 }  // namespace statecut::verify

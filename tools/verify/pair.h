@@ -8,10 +8,13 @@
 #include <string>
 
 #include "dbfiles/controlrec.h"
-#include "verify/directory.h"
-#include "verify/mapped.h"
+#include "format/directory.h"
+#include "format/mapped.h"
+#include "format/names.h"
 
 namespace statecut::verify {
+
+using namespace format;  // the rules speak of tables and names all over
 
 // The records of a table; `rba` is where they begin in the file.
 template <typename RowType>
@@ -64,5 +67,8 @@ class Pair {
 inline std::uint32_t number16(std::span<const unsigned char> table, std::uint64_t i) {
   return i < table.size() / 2 ? le::get<2>(table.data() + i * 2) : 0;
 }
+
+// The tables that the numbers of the pair's hash refer to.
+NameTables nameTables(const Pair& pair);
 
 }  // namespace statecut::verify

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tables/rows.h"
-#include "verify/alone.h"
+#include "verify/pairrules.h"
 
 namespace statecut::verify {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "verify/alone.h"
+#include "verify/pairrules.h"
 
 namespace statecut::verify {
 

@@ -3,8 +3,8 @@
 #include <bit>
 #include <string>
 
-#include "verify/alone.h"
-#include "verify/names.h"
+#include "format/names.h"
+#include "verify/pairrules.h"
 
 namespace statecut::verify {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "verify/alone.h"
+#include "verify/pairrules.h"
 #include "verify/tiling.h"
 
 namespace statecut::verify {

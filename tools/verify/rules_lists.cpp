@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "format/names.h"
 #include "tables/rows.h"
-#include "verify/alone.h"
-#include "verify/names.h"
+#include "verify/pairrules.h"
 #include "verify/sharedentries.h"
 #include "verify/tiling.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tables/rows.h"
-#include "verify/alone.h"
+#include "verify/pairrules.h"
 #include "verify/sharedentries.h"
 
 namespace statecut::verify {

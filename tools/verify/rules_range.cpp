@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tables/rows.h"
-#include "verify/alone.h"
 #include "verify/multizipsizes.h"
+#include "verify/pairrules.h"
 #include "verify/tiling.h"
 
 namespace statecut::verify {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "verify/alone.h"
-#include "verify/names.h"
+#include "format/names.h"
+#include "verify/pairrules.h"
 
 namespace statecut::verify {
 

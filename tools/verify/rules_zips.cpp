@@ -5,7 +5,7 @@
 #include <string>
 
 #include "tables/rows.h"
-#include "verify/alone.h"
+#include "verify/pairrules.h"
 
 namespace statecut::verify {
 

@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "verify/alone.h"
 #include "verify/cutchecks.h"
+#include "verify/pairrules.h"
 
 namespace statecut::verify {
 

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-namespace statecut::verify {
+namespace statecut::format {
 
 class MappedFile {
  public:
@@ -30,4 +30,4 @@ class MappedFile {
 // disk failed, ends the process with a message on standard error and status 2. For programs, once.
 void exitOnLostPage();
 
-}  // namespace statecut::verify
+}  // namespace statecut::format

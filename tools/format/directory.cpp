@@ -1,9 +1,9 @@
-#include "verify/directory.h"
+#include "format/directory.h"
 
 #include "dbfiles/controlrec.h"
 #include "tables/rows.h"
 
-namespace statecut::verify {
+namespace statecut::format {
 
 namespace {
 
@@ -126,4 +126,4 @@ TablePlace placeTable(TableId id, std::span<const unsigned char> file) {
   return place;
 }
 
-}  // namespace statecut::verify
+}  // namespace statecut::format

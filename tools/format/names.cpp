@@ -1,8 +1,8 @@
-#include "verify/names.h"
+#include "format/names.h"
 
 #include "tables/rows.h"
 
-namespace statecut::verify {
+namespace statecut::format {
 
 namespace {
 
@@ -65,12 +65,6 @@ std::uint32_t nameHash(std::string_view name, unsigned type) {
 
 std::uint32_t HashView::slotCount() const { return static_cast<std::uint32_t>(slots.size() / 7); }
 
-NameTables nameTables(const Pair& pair) {
-  NameTables tables;
-  for (unsigned type = 0; type < kNameTypes; ++type) tables[type] = pair.table(tableOfType(type));
-  return tables;
-}
-
 HashResult findName(const HashView& hash, const NameTables& tables, std::string_view name,
                     unsigned type) {
   HashResult result;
@@ -86,4 +80,4 @@ HashResult findName(const HashView& hash, const NameTables& tables, std::string_
   return result;
 }
 
-}  // namespace statecut::verify
+}  // namespace statecut::format

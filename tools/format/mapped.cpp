@@ -1,4 +1,4 @@
-#include "verify/mapped.h"
+#include "format/mapped.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -10,7 +10,7 @@
 #include <cstring>
 #include <utility>
 
-namespace statecut::verify {
+namespace statecut::format {
 
 namespace {
 
@@ -74,4 +74,4 @@ MappedFile::~MappedFile() {
   if (at_ != nullptr) munmap(const_cast<unsigned char*>(at_), size_);
 }
 
-}  // namespace statecut::verify
+}  // namespace statecut::format

@@ -8,7 +8,7 @@
 
 #include "dbfiles/controlrec.h"
 
-namespace statecut::verify {
+namespace statecut::format {
 
 enum class TableId {
   StreetPatterns,
@@ -90,4 +90,4 @@ TablePlace placeTable(TableId id, const RefControlRec& record, std::uint64_t fil
 // Places any table of the reference file `file`, which holds at least its control record.
 TablePlace placeTable(TableId id, std::span<const unsigned char> file);
 
-}  // namespace statecut::verify
+}  // namespace statecut::format

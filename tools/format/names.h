@@ -7,9 +7,10 @@
 #include <span>
 #include <string_view>
 
-#include "verify/pair.h"
+#include "base/le.h"
+#include "format/directory.h"
 
-namespace statecut::verify {
+namespace statecut::format {
 
 // Firm names, street names, city names, standardized street names, street phonetic keys, city
 // phonetic keys.
@@ -95,7 +96,6 @@ bool forEachEntry(const HashView& hash, std::uint32_t slot, Visit&& visit) {
 
 // The tables that the numbers of the hash refer to, by type.
 using NameTables = std::array<std::span<const unsigned char>, kNameTypes>;
-NameTables nameTables(const Pair& pair);
 
 struct HashResult {
   std::optional<HashEntry> entry;
@@ -104,4 +104,4 @@ struct HashResult {
 HashResult findName(const HashView& hash, const NameTables& tables, std::string_view name,
                     unsigned type);
 
-}  // namespace statecut::verify
+}  // namespace statecut::format
