@@ -54,8 +54,7 @@ ROWS = [
         "as a whole, a look-ahead of 24 MiB in place of 8."),
     Row("cut-synced", "processes", "cut of TX,OK, warm, outputs synced to disk",
         COPY + ", synced to disk",
-        "As `cut-warm`; the clock stops when `fsync` of the outputs returns. The processor time is "
-        "that of the process alone."),
+        "As `cut-warm`; the clock stops when `fsync` of the outputs returns."),
     Row("cut-baseline", "processes", "cut of TX,OK and of DE, warm", "the same cut by the baseline",
         "As `cut-warm`, with `--baseline COMMIT`: the program of that commit, built beside."),
     Row("bytes-read", "processes", "bytes read from the sources",

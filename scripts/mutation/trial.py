@@ -18,6 +18,7 @@ FIRST = {
     "tables": ["unit_tables"],
     "lookup": ["unit_lookup", "test_lookup"],
     "dbfiles": ["unit_dbfiles", "unit_stream", "unit_tables"],
+    "base": ["unit_stream", "unit_dbfiles", "unit_log"],
 }
 THEN = ["unit_cut", "unit_lookup", "unit_hash", "unit_tables", "unit_dbfiles", "unit_stream",
         "unit_run", "unit_log", "unit_info", "unit_query", "unit_docs", "test_faults", "test_cut",
