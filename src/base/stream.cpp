@@ -106,6 +106,7 @@ void streamWillNeed(const Stream* stream, std::uint64_t offset, std::uint64_t co
   sys::willNeed(stream->fd, offset, count);
 }
 
+std::size_t streamPending(const Stream* stream) { return stream->pending; }
 bool streamError(const Stream* stream) { return stream->error; }
 bool streamEof(const Stream* stream) { return stream->eof; }
 int streamErrno(const Stream* stream) { return stream->firstErrno; }

@@ -34,6 +34,8 @@ void streamWillNeed(const Stream* stream, std::uint64_t offset, std::uint64_t co
 int streamFlush(Stream* stream);  // 0, or -1 with errno set and the error indicator set
 int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno set. Null: 0
 
+// Bytes written to the stream that its file has not got yet.
+[[nodiscard]] std::size_t streamPending(const Stream* stream);
 [[nodiscard]] bool streamError(const Stream* stream);
 [[nodiscard]] bool streamEof(const Stream* stream);
 // errno of the first failure behind the error indicator, 0 when it is not set.

@@ -1,5 +1,6 @@
 #pragma once
-// Every system call and every block of memory of the core's files, tables and caches passes here.
+// Every system call of the core's streams and every block of memory of its tables, caches and names
+// passes here.
 // One translation unit stands behind it: a test program that defines these functions itself takes
 // their place at link time and can make the Nth call of a kind fail. Results and errno as in POSIX.
 

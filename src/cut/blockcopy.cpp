@@ -49,11 +49,11 @@ Rest restOf(std::uint32_t rba, std::uint32_t bytes, std::uint32_t moved) {
 // Moves what it can of a table that the source has in full. The bytes moved.
 std::uint32_t moveTable(Stream* from, std::uint32_t rba, std::uint32_t bytes) {
   if (newRefDb == nullptr || from == nullptr || inError(from)) return 0;
-  if (std::uint64_t{rba} + bytes > streamSize(from)) return 0;
+  if (!inOnePiece(rba, bytes, streamSize(from))) return 0;
   std::uint32_t moved = 0;
   std::size_t part = 1;
   while (part != 0) {
-    part = streamAppend(newRefDb, from, std::uint64_t{rba} + moved, bytes - moved);
+    part = appendFile(newRefDb, from, std::uint64_t{rba} + moved, bytes - moved, pProcObj);
     moved += static_cast<std::uint32_t>(part);
   }
   return moved;

@@ -7,6 +7,14 @@
 
 namespace statecut {
 
+// True when a source of `sourceBytes` has the bytes in one piece: none past its end, and none past
+// 2^32, where RBAs begin at 0 again. Only such a piece moves without being read.
+[[nodiscard]] constexpr bool inOnePiece(std::uint32_t rba, std::uint32_t bytes,
+                                        std::uint64_t sourceBytes) {
+  const std::uint64_t end = std::uint64_t{rba} + bytes;
+  return end <= sourceBytes && end <= std::uint64_t{UINT32_MAX} + 1;
+}
+
 // Copies `bytes` bytes (as a signed number: nothing from 2^31 on) at `rba` of the source range
 // database to the end of newRangeDb, of which the first `moved` are there already. 0, or -1 (said
 // on standard output) when a read or write fails.

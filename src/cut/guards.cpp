@@ -9,10 +9,13 @@
 #include "base/samefile.h"
 #include "cut/cutlog.h"
 #include "cut/workstate.h"
+#include "dbfiles/dbaccess.h"
 
 namespace statecut {
 
 namespace {
+
+constexpr LogSource kHere{kCutstate, 2000};
 
 struct OutputState {
   int failure = 0;  // errno of a failed flush, close or rewind
@@ -26,24 +29,23 @@ bool rangeSourceReported = false;
 
 bool tooLong(const char* path) { return std::strlen(path) > kMaxOutputPath; }
 
-bool sourceFailed(const Stream* stream, const char* path, bool& reported) {
+bool sourceFailed(LogSite site, const Stream* stream, const char* path, bool& reported) {
   const bool error = inError(stream);
   // A short file is read as it stands; one that loses bytes meanwhile is no state of a database.
   if (!error && (stream == nullptr || !streamShrank(stream))) return false;
   if (!reported) {
-    logPathError({kCutstate, __LINE__}, "DB Read Error", kReasonRead, path,
+    logPathError(site, "DB Read Error", kReasonRead, path,
                  error ? std::strerror(streamErrno(stream)) : "became shorter while it was read");
   }
   reported = true;
   return true;
 }
 
-bool outputFailed(const Stream* stream, const char* path, OutputState& state) {
+bool outputFailed(LogSite site, const Stream* stream, const char* path, OutputState& state) {
   if (state.failure == 0 && inError(stream)) state.failure = streamErrno(stream);
   if (state.failure == 0) return false;
   if (!state.reported) {
-    logPathError({kCutstate, __LINE__}, "DB Write Error", kReasonWrite, path,
-                 std::strerror(state.failure));
+    logPathError(site, "DB Write Error", kReasonWrite, path, std::strerror(state.failure));
   }
   state.reported = true;
   return true;
@@ -56,13 +58,15 @@ void note(OutputState& state, int result) {
 
 void closeOutput(Stream*& stream, OutputState& state) {
   errno = 0;
+  note(state, flushFile(stream, pProcObj));
+  errno = 0;
   note(state, streamClose(stream));
   stream = nullptr;
 }
 
-bool refuseIfSame(const char* output, const char* other) {
+bool refuseIfSame(LogSite site, const char* output, const char* other) {
   if (tooLong(output) || !sameFile(output, other)) return false;
-  logPathError(logsite::kOpenOutput, "Open Error", kReasonOpen, output,
+  logPathError(site, "Open Error", kReasonOpen, output,
                ("same file as " + std::string(other)).c_str());
   return true;
 }
@@ -83,10 +87,10 @@ std::int32_t checkOutputNames() {
   const char* outputs[] = {pathOf(cmdLine.refOut), pathOf(cmdLine.rangeOut)};
   for (const char* output : outputs) {
     for (const char* input : {cmdLine.refDb, cmdLine.rangeDb, cmdLine.stateFile}) {
-      if (refuseIfSame(output, pathOf(input))) return -1;
+      if (refuseIfSame(kHere.at(__LINE__), output, pathOf(input))) return -1;
     }
   }
-  return refuseIfSame(outputs[1], outputs[0]) ? -1 : 0;
+  return refuseIfSame(kHere.at(__LINE__), outputs[1], outputs[0]) ? -1 : 0;
 }
 
 void resetGuards() {
@@ -103,25 +107,28 @@ void resetGuards() {
 bool inError(const Stream* source) { return source != nullptr && streamError(source); }
 
 bool refSourceFailed() {
-  return sourceFailed(pProcObj->files->reference, pathOf(cmdLine.refDb), refSourceReported);
+  return sourceFailed(kHere.at(__LINE__), pProcObj->files->reference, pathOf(cmdLine.refDb),
+                      refSourceReported);
 }
 
 bool rangeSourceFailed() {
-  return sourceFailed(pProcObj->files->range, pathOf(cmdLine.rangeDb), rangeSourceReported);
+  return sourceFailed(kHere.at(__LINE__), pProcObj->files->range, pathOf(cmdLine.rangeDb),
+                      rangeSourceReported);
 }
 
 bool outputsFailed() {
-  const bool ref = outputFailed(newRefDb, pathOf(cmdLine.refOut), refOutput);
-  const bool range = outputFailed(newRangeDb, pathOf(cmdLine.rangeOut), rangeOutput);
+  const bool ref = outputFailed(kHere.at(__LINE__), newRefDb, pathOf(cmdLine.refOut), refOutput);
+  const bool range =
+      outputFailed(kHere.at(__LINE__), newRangeDb, pathOf(cmdLine.rangeOut), rangeOutput);
   return ref || range;
 }
 
 void flushOutputs() {
   // The reference file's last record, still in its buffer, goes last: with it the pair is complete.
   errno = 0;
-  if (newRangeDb != nullptr) note(rangeOutput, streamFlush(newRangeDb));
+  note(rangeOutput, flushFile(newRangeDb, pProcObj));
   errno = 0;
-  if (newRefDb != nullptr) note(refOutput, streamFlush(newRefDb));
+  note(refOutput, flushFile(newRefDb, pProcObj));
 }
 
 void closeOutputs() {
@@ -133,7 +140,8 @@ void closeOutputs() {
 bool rewindReferenceOutput() {
   if (newRefDb == nullptr) return false;
   errno = 0;
-  const int result = streamSeek(newRefDb, 0);
+  const int flushed = flushFile(newRefDb, pProcObj);
+  const int result = flushed != 0 ? flushed : streamSeek(newRefDb, 0);
   note(refOutput, result);
   return result == 0;
 }

@@ -46,12 +46,13 @@ bool shareRecords() {
 }
 
 // Plans the partitions of one kind, as far as the ZIP keys are good; without a plan it only counts.
-// Their bytes.
+// Their bytes. It reads the table itself: the copying has the lookups, and their traces.
 template <typename RbaField>
 std::uint64_t planKind(RangePlan* plan, std::int32_t kind, RbaField rbaField) {
   std::uint64_t total = 0;
+  const std::uint32_t count = refWord(RefControlRec::zipDataCount);
   visitSelectedZips([&](std::uint16_t key) {
-    const ZipDataRow* record = dbGetZipDataFromKeyIn(key);
+    const auto* record = rowAt<ZipDataRow>(kSlotZipData, key, count);
     if (record == nullptr) return false;
     const std::uint32_t rba = record->get(rbaField);
     if (rba == 0) return true;

@@ -6,6 +6,7 @@
 #include "cut/blockcopy.h"
 #include "cut/guards.h"
 #include "cut/workstate.h"
+#include "dbfiles/dbaccess.h"
 
 namespace statecut {
 
@@ -20,9 +21,9 @@ Stream* source() { return pProcObj->files->range; }
 
 RangePlan::RangePlan() : sourceBytes_(source() == nullptr ? 0 : streamSize(source())) {}
 
-// What runs past the end of the source, or has no bytes, is left to the block copier.
+// What is not in one piece, or has no bytes, is left to the block copier.
 bool RangePlan::inSource(std::uint32_t rba, std::uint32_t bytes) const {
-  return static_cast<std::int32_t>(bytes) > 0 && std::uint64_t{rba} + bytes <= sourceBytes_;
+  return static_cast<std::int32_t>(bytes) > 0 && inOnePiece(rba, bytes, sourceBytes_);
 }
 
 void RangePlan::add(std::uint32_t rba, std::uint32_t bytes) {
@@ -59,7 +60,8 @@ std::int32_t RangePlan::copy(std::uint32_t rba, std::uint32_t bytes) {
 bool RangePlan::advance(Run& run) {
   if (newRangeDb == nullptr || inError(newRangeDb) || inError(source())) return false;
   lookAhead();
-  const std::size_t put = streamAppend(newRangeDb, source(), run.moved, run.end - run.moved);
+  const std::size_t put =
+      appendFile(newRangeDb, source(), run.moved, run.end - run.moved, pProcObj);
   run.moved += put;
   moved_ += put;
   return put != 0;

@@ -45,8 +45,7 @@ std::int32_t createNewZipIndex() {
 std::int32_t buildZips() {
   std::uint32_t selected = 0;
   const bool loaded = scZipCodeIndex != nullptr && refPointers[kSlotZipBytes].table != nullptr &&
-                      refPointers[kSlotZipData].table != nullptr &&
-                      refPointers[kSlotZipIndex].table != nullptr;
+                      refPointers[kSlotZipData].table != nullptr;
   for (std::int32_t s = 0; loaded && s < cmdLine.stateCount; ++s) {
     selected += selectState(cmdLine.states[s]);
   }

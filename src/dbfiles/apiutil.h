@@ -55,7 +55,8 @@ void dbDebugControlRecord(ProcObj* proc);
 void dbDebugRngControlRec(ProcObj* proc);
 
 // Sequential readers of 4088-byte blocks (the buffer holds one block). readMFIORngCntrl reads the
-// first block and returns `rba`; readMFIO returns the offset of `rba` in its block, or -1.
+// first block and returns `rba`; readMFIO returns the offset of `rba` in its block, or -1. `length`
+// is only shown, in the record of a short read.
 inline constexpr std::uint32_t kBlockBytes = 4088;
 extern std::uint32_t previousRecordNumber;
 std::uint32_t readMFIORngCntrl(Stream* fp, std::uint32_t rba, std::int32_t length, void* buffer,

@@ -6,6 +6,13 @@
 
 namespace statecut {
 
+namespace {
+
+constexpr LogSource kHere{kApiutil, 1000};
+constexpr LogSource kShortRead{kApiutil, 2000};
+
+}  // namespace
+
 BlockRead dbReadBlock(Stream* fp, std::uint32_t rba, std::int32_t count, void* buffer,
                       ProcObj* proc) {
   STATECUT_ASSERT(fp != nullptr, "fp != ((void *)0)", kApiutil, "dbReadFile");
@@ -19,7 +26,7 @@ BlockRead dbReadBlock(Stream* fp, std::uint32_t rba, std::int32_t count, void* b
   const auto wanted = static_cast<std::size_t>(count);
   const std::size_t got = streamRead(fp, buffer, wanted);
   const int error = errno;
-  if (got < wanted) reportShortRead(fp, wanted, got, error, proc, {kApiutil, __LINE__}, msgText);
+  if (got < wanted) reportShortRead(fp, count, got, error, proc, kShortRead, msgText);
   // A short read answers the requested count; that is meant, as in readFile.
   return {count, got};
 }
@@ -34,7 +41,7 @@ Stream* openReadFile(ProcObj* proc, const char* path) {
   Stream* const stream = openPath(path, "rb");
   if (stream == nullptr) {
     const int error = errno;
-    logFormatted(msgText, proc, {kApiutil, __LINE__}, kError, "Error", kReasonOpen,
+    logFormatted(msgText, proc, kHere.at(__LINE__), kError, "Error", kReasonOpen,
                  "Failed to open (%d) %s\n", error, textOf(path));
   }
   return stream;
@@ -44,7 +51,7 @@ Stream* openOutFile(ProcObj* proc, const char* path) {
   if (proc == nullptr) return nullptr;
   Stream* const stream = openPath(path, "w");
   if (stream == nullptr) {
-    logFormatted(msgText, proc, {kApiutil, __LINE__}, kError, "Error", kReasonOpen,
+    logFormatted(msgText, proc, kHere.at(__LINE__), kError, "Error", kReasonOpen,
                  "Could not open out file: %s\n", textOf(path));
   }
   return stream;
@@ -52,31 +59,31 @@ Stream* openOutFile(ProcObj* proc, const char* path) {
 
 void memoryError(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kError, "Mem Alloc Err", kReasonMemory, kMsgNoMemory,
-                 textOf(text));
+  utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, "Mem Alloc Err", kReasonMemory,
+                 kMsgNoMemory, textOf(text));
 }
 
 void memoryWarning(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kWarn, "Mem Alloc", kReasonMemory, kMsgNoMemory,
-                 textOf(text));
+  utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kWarn, "Mem Alloc", kReasonMemory,
+                 kMsgNoMemory, textOf(text));
 }
 
 void readRefError(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kError, "RefDB Read Err", kReasonRefRead, kMsgRefRead,
-                 textOf(text));
+  utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, "RefDB Read Err", kReasonRefRead,
+                 kMsgRefRead, textOf(text));
 }
 
 void readRefWarning(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kWarn, "RefDB Read", kReasonRefRead, kMsgRefRead,
-                 textOf(text));
+  utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kWarn, "RefDB Read", kReasonRefRead,
+                 kMsgRefRead, textOf(text));
 }
 
 void readRangeError(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kError, "RangeDB Read Err", kReasonRangeRead,
+  utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, "RangeDB Read Err", kReasonRangeRead,
                  kMsgRangeRead, textOf(text));
 }
 

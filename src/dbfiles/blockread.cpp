@@ -19,18 +19,18 @@ void logFormatted(std::span<char> buffer, ProcObj* proc, LogSite site, std::int3
   utlWriteLogMsg(proc, site.source, site.line, severity, title, reason, kMsgText, buffer.data());
 }
 
-void reportShortRead(const Stream* fp, std::size_t requested, std::size_t got, int error,
-                     ProcObj* proc, LogSite site, std::span<char> buffer) {
-  const auto requestedLine = [&] {
+void reportShortRead(const Stream* fp, std::int32_t requested, std::size_t got, int error,
+                     ProcObj* proc, LogSource source, std::span<char> buffer) {
+  const auto requestedLine = [&](LogSite site) {
     logFormatted(buffer, proc, site, kDebug, "DB Read Error", kReasonRead,
-                 "Requested Bytes: %d, Actual bytes read: %d\n",
-                 static_cast<std::int32_t>(requested), static_cast<std::int32_t>(got));
+                 "Requested Bytes: %d, Actual bytes read: %d\n", requested,
+                 static_cast<std::int32_t>(got));
   };
-  if (!streamEof(fp)) requestedLine();
+  if (!streamEof(fp)) requestedLine(source.at(__LINE__));
   if (streamError(fp)) {
-    logFormatted(buffer, proc, site, kError, "DB Read Error", kReasonRead, "errno=%d:%s\n", error,
-                 std::strerror(error));
-    requestedLine();
+    logFormatted(buffer, proc, source.at(__LINE__), kError, "DB Read Error", kReasonRead,
+                 "errno=%d:%s\n", error, std::strerror(error));
+    requestedLine(source.at(__LINE__));
   }
 }
 

@@ -22,10 +22,11 @@ BlockRead readBlock(Stream* fp, std::uint32_t rba, std::uint32_t count, void* bu
 BlockRead dbReadBlock(Stream* fp, std::uint32_t rba, std::int32_t count, void* buffer,
                       ProcObj* proc);
 
-// The records of a read that brought `got` of `requested` bytes; silent at the end of the file.
-// `error` is errno right after the read.
-void reportShortRead(const Stream* fp, std::size_t requested, std::size_t got, int error,
-                     ProcObj* proc, LogSite site, std::span<char> buffer);
+// The records of a read that brought `got` bytes and shows as one of `requested`; silent at the end
+// of the file.
+// `error` is errno right after the read; `source` has a thousand lines for these records.
+void reportShortRead(const Stream* fp, std::int32_t requested, std::size_t got, int error,
+                     ProcObj* proc, LogSource source, std::span<char> buffer);
 
 // One record of message 10, its text formatted into `buffer` and cut to it.
 [[gnu::format(printf, 7, 8)]] void logFormatted(std::span<char> buffer, ProcObj* proc, LogSite site,

@@ -123,35 +123,45 @@ constexpr std::array<LabelledWord, 6> kRngRbas{{
 
 constexpr char kTitle[] = "Debug Control Record";
 
-void line(ProcObj* proc, const char* text) {
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kDebug, kTitle, kReasonNone, kMsgText, text);
-}
+constexpr LogSource kRefDump{kApiutil, 8000};
+constexpr LogSource kRngDump{kApiutil, 9000};
 
-void labelled(ProcObj* proc, const char* label, const char* text) {
-  utlWriteLogMsg(proc, kApiutil, __LINE__, kDebug, kTitle, kReasonNone, kMsgTextText, label, text);
-}
+// The context and the places of a dump; each record has the line of its caller.
+struct Dump {
+  ProcObj* proc;
+  LogSource source;
 
-void words(ProcObj* proc, const unsigned char* record, std::span<const LabelledWord> rows) {
-  for (const LabelledWord& row : rows) {
-    // Numbers above 2147483647 are shown negative; that is meant, as in every numbered message.
-    utlWriteLogMsg(proc, kApiutil, __LINE__, kDebug, kTitle, kReasonNone, kMsgTextNumber, row.label,
-                   static_cast<std::int32_t>(le::get<4>(record + row.at)));
+  void line(const char* text, int at = __builtin_LINE()) const {
+    utlWriteLogMsg(proc, source.name, source.line(at), kDebug, kTitle, kReasonNone, kMsgText, text);
   }
-}
+  void labelled(const char* label, const char* text, int at = __builtin_LINE()) const {
+    utlWriteLogMsg(proc, source.name, source.line(at), kDebug, kTitle, kReasonNone, kMsgTextText,
+                   label, text);
+  }
+  void words(const unsigned char* record, std::span<const LabelledWord> rows,
+             int at = __builtin_LINE()) const {
+    for (const LabelledWord& row : rows) {
+      // Numbers above 2147483647 are shown negative; that is meant, as in every numbered message.
+      utlWriteLogMsg(proc, source.name, source.line(at), kDebug, kTitle, kReasonNone,
+                     kMsgTextNumber, row.label,
+                     static_cast<std::int32_t>(le::get<4>(record + row.at)));
+    }
+  }
+};
 
 // The identification header, which both record types share.
 template <typename Record>
-void header(ProcObj* proc, const Record& record) {
+void header(const Dump& to, const Record& record) {
   char text[kTimeTextSize];
-  labelled(proc, "Version and Release      : ", formatVersion(record.get(Record::version).data()));
-  labelled(proc, "Copyright Date           : ",
-           formatCopyRight(record.get(Record::copyrightDate).data()));
+  to.labelled("Version and Release      : ", formatVersion(record.get(Record::version).data()));
+  to.labelled("Copyright Date           : ",
+              formatCopyRight(record.get(Record::copyrightDate).data()));
   formatTimeStamp(record.get(Record::buildTimeStamp), text);
-  labelled(proc, "Build Time Stamp         : ", text);
-  labelled(proc, "Character Type           : ",
-           record.get(Record::characterType) == 1 ? "ASCII" : "EBCDIC");
+  to.labelled("Build Time Stamp         : ", text);
+  to.labelled("Character Type           : ",
+              record.get(Record::characterType) == 1 ? "ASCII" : "EBCDIC");
   const char* value = record.get(Record::endianType) == 1 ? "LITTLE ENDIAN" : "BIG ENDIAN";
-  labelled(proc, "Endian Type              : ", value);
+  to.labelled("Endian Type              : ", value);
 
   // With neither type flag the type line repeats the endian text; that is meant.
   const std::uint32_t flags = record.get(Record::typeFlags);
@@ -161,40 +171,40 @@ void header(ProcObj* proc, const Record& record) {
   } else if ((flags & kTypeRange) != 0) {
     value = cut ? "RANGE STATE CUT" : "RANGE";
   }
-  labelled(proc, "Data Base Type           : ", value);
+  to.labelled("Data Base Type           : ", value);
   const std::uint32_t stamp = record.get(Record::stateCutTimeStamp);
   formatTimeStamp(stamp, text);
-  labelled(proc, "State Cut Time Stamp     : ", stamp == 0 ? "not state cut" : text);
+  to.labelled("State Cut Time Stamp     : ", stamp == 0 ? "not state cut" : text);
 }
 
 template <typename Record>
-void dump(ProcObj* proc, const Record& record, const char* title,
+void dump(const Dump& to, const Record& record, const char* title,
           std::span<const LabelledWord> counts, std::span<const LabelledWord> rbas) {
-  line(proc, title);
-  header(proc, record);
-  line(proc, "--------- Counts ----------------------------------");
-  words(proc, record.bytes.data(), counts);
-  line(proc, "------- RBAS --------------------------------------");
-  words(proc, record.bytes.data(), rbas);
-  line(proc, "---------------- end control record -----------");
+  to.line(title);
+  header(to, record);
+  to.line("--------- Counts ----------------------------------");
+  to.words(record.bytes.data(), counts);
+  to.line("------- RBAS --------------------------------------");
+  to.words(record.bytes.data(), rbas);
+  to.line("---------------- end control record -----------");
 }
 
 }  // namespace
 
 void dbDebugControlRecord(ProcObj* proc) {
   if (proc == nullptr || proc->refControlRec == nullptr) return;
-  traceEntering(proc, kApiutil, __LINE__, "dbDebugControlRecord");
-  dump(proc, *proc->refControlRec, "------- Reference database control record ------", kRefCounts,
-       kRefRbas);
-  traceLeaving(proc, kApiutil, __LINE__, "dbDebugControlRecord");
+  traceEntering(proc, kRefDump, __LINE__, "dbDebugControlRecord");
+  dump(Dump{proc, kRefDump}, *proc->refControlRec,
+       "------- Reference database control record ------", kRefCounts, kRefRbas);
+  traceLeaving(proc, kRefDump, __LINE__, "dbDebugControlRecord");
 }
 
 void dbDebugRngControlRec(ProcObj* proc) {
   if (proc == nullptr || proc->rngControlRec == nullptr) return;
-  traceEntering(proc, kApiutil, __LINE__, "dbDebugRngControlRec");
-  dump(proc, *proc->rngControlRec, "------- Range database control record ------", kRngCounts,
-       kRngRbas);
-  traceLeaving(proc, kApiutil, __LINE__, "dbDebugRngControlRec");
+  traceEntering(proc, kRngDump, __LINE__, "dbDebugRngControlRec");
+  dump(Dump{proc, kRngDump}, *proc->rngControlRec, "------- Range database control record ------",
+       kRngCounts, kRngRbas);
+  traceLeaving(proc, kRngDump, __LINE__, "dbDebugRngControlRec");
 }
 
 }  // namespace statecut

@@ -47,29 +47,34 @@ bool isEmpty(const RefControlRec& record, const std::array<std::size_t, 3>& word
   return false;
 }
 
-void logEmptyPartitions(const RefControlRec& record, const PartitionWords& words,
-                        const char* source, ProcObj* proc) {
+constexpr LogSource kProgram{kDbaccess, 2000};
+constexpr LogSource kLibrary{kApiutil, 10000};
+
+void logEmptyPartitions(const RefControlRec& record, const PartitionWords& words, LogSource source,
+                        ProcObj* proc) {
   char text[64];
   std::int32_t empty = 0;
   for (std::size_t i = 0; i < kPartitions; ++i) {
     if (!isEmpty(record, words[i])) continue;
     ++empty;
-    logFormatted(text, proc, {source, __LINE__}, kInfo, "Info Message", kReasonNone,
+    logFormatted(text, proc, source.at(__LINE__), kInfo, "Info Message", kReasonNone,
                  "partition %d is empty.", static_cast<int>(i + 1));
   }
   if (empty == 0) return;
-  const auto debugLine = [&](const char* line) {
-    utlWriteLogMsg(proc, source, __LINE__, kDebug, "Debug Message", kReasonNone, kMsgText, line);
+  const auto debugLine = [&](LogSite site, const char* line) {
+    utlWriteLogMsg(proc, site.source, site.line, kDebug, "Debug Message", kReasonNone, kMsgText,
+                   line);
   };
   std::snprintf(text, sizeof text, "There are %d empty partitions in the ", empty);
-  debugLine(text);
-  debugLine("reference database.");
-  debugLine("See log file.");
+  debugLine(source.at(__LINE__), text);
+  debugLine(source.at(__LINE__), "reference database.");
+  debugLine(source.at(__LINE__), "See log file.");
 }
 
-void logRecordSize(const char* source, ProcObj* proc) {
-  utlWriteLogMsg(proc, source, __LINE__, kInfo, "Info Message", kReasonNone, kMsgSize,
-                 "Reference Control Record", static_cast<std::int32_t>(RefControlRec::size));
+void logRecordSize(LogSource source, ProcObj* proc) {
+  utlWriteLogMsg(proc, source.name, source.line(__LINE__), kInfo, "Info Message", kReasonNone,
+                 kMsgSize, "Reference Control Record",
+                 static_cast<std::int32_t>(RefControlRec::size));
 }
 
 // A control record is only good when every byte of it came, unlike other block reads.
@@ -95,7 +100,7 @@ RngControlRec* loadRangeRecord(Read&& read, ProcObj* proc) {
 
 RefControlRec* ReadRefControlRec(Stream* fp, ProcObj* proc) {
   if (proc == nullptr) return nullptr;
-  logRecordSize(kDbaccess, proc);
+  logRecordSize(kProgram, proc);
   auto* const record = static_cast<RefControlRec*>(allocTable(RefControlRec::size));
   if (record == nullptr) {
     memoryError("reading control record", proc);
@@ -106,29 +111,29 @@ RefControlRec* ReadRefControlRec(Stream* fp, ProcObj* proc) {
     freeTable(record);
     return nullptr;
   }
-  logEmptyPartitions(*record, kProgramWords, kDbaccess, proc);
+  logEmptyPartitions(*record, kProgramWords, kProgram, proc);
   proc->refControlRec = record;
   return record;
 }
 
 RefControlRec* dbReadRefControlRec(Stream* fp, ProcObj* proc) {
   if (proc == nullptr) return nullptr;
-  traceEntering(proc, kApiutil, __LINE__, "dbReadRefControlRec");
+  traceEntering(proc, kLibrary, __LINE__, "dbReadRefControlRec");
   auto* const record = static_cast<RefControlRec*>(allocTable(RefControlRec::size));
   proc->refControlRec = record;
   if (record == nullptr) {
     memoryError("reading control record", proc);
     return nullptr;
   }
-  logRecordSize(kApiutil, proc);
+  logRecordSize(kLibrary, proc);
   if (!came(dbReadBlock(fp, 0, static_cast<std::int32_t>(RefControlRec::size), record, proc),
             RefControlRec::size)) {
     // The unread buffer stays in proc until the tables are released; that is meant.
     readRefError("control record", proc);
     return nullptr;
   }
-  logEmptyPartitions(*record, kLibraryWords, kApiutil, proc);
-  traceLeaving(proc, kApiutil, __LINE__, "dbReadRefControlRec");
+  logEmptyPartitions(*record, kLibraryWords, kLibrary, proc);
+  traceLeaving(proc, kLibrary, __LINE__, "dbReadRefControlRec");
   return record;
 }
 

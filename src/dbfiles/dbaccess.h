@@ -20,6 +20,12 @@ std::int32_t readFile(Stream* fp, std::uint32_t rba, std::uint32_t count, void* 
 // buffer or a stream in error.
 std::int32_t writeFile(Stream* fp, std::uint32_t count, const void* buffer, ProcObj* proc);
 
+// As streamAppend and streamFlush (null: 0); a flush that fails is logged as a failed write of what
+// the buffer held.
+std::size_t appendFile(Stream* to, Stream* from, std::uint64_t rba, std::uint64_t count,
+                       ProcObj* proc);
+int flushFile(Stream* fp, ProcObj* proc);
+
 Stream* openWriteFile(ProcObj* proc, const char* path);
 
 // Statuses of opening a database.

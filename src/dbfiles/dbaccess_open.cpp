@@ -11,44 +11,48 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kRefSide{kDbaccess, 3000};
+constexpr LogSource kRangeSide{kDbaccess, 4000};
+
 // Opens the database for reading and logs which one, or why not ("ref/city", "range/zip4").
-Stream* openDatabase(const char* kind, const char* path) {
+Stream* openDatabase(LogSource source, const char* kind, const char* path) {
   char text[kDbaccessTextSize];
   Stream* const stream = openPath(path, "rb");
   if (stream == nullptr) {
     const int error = errno;
-    logFormatted(text, pProcObj, {kDbaccess, __LINE__}, kError, "Error", kReasonNone,
+    logFormatted(text, pProcObj, source.at(__LINE__), kError, "Error", kReasonNone,
                  "Could not open %s db: %s\nErrno = %d : %s\n", kind, textOf(path), error,
                  std::strerror(error));
     return nullptr;
   }
   std::snprintf(text, sizeof text, "Opened %s db: ", kind);
-  utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kInfo, "Info", kReasonNone, kMsgTextText, text,
-                 textOf(path));
+  utlWriteLogMsg(pProcObj, source.name, source.line(__LINE__), kInfo, "Info", kReasonNone,
+                 kMsgTextText, text, textOf(path));
   return stream;
 }
 
-void reportNoControlRecord(const char* title, const char* text) {
-  utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kError, title, kReasonNone, kMsgText, text);
+void reportNoControlRecord(LogSource source, const char* title, const char* text) {
+  utlWriteLogMsg(pProcObj, source.name, source.line(__LINE__), kError, title, kReasonNone, kMsgText,
+                 text);
 }
 
 }  // namespace
 
 std::int32_t openRefDb() {
   if (pProcObj == nullptr || pProcObj->files == nullptr) return kRefDbNotOpened;
-  Stream* const stream = openDatabase("ref/city", cmdLine.refDb);
+  Stream* const stream = openDatabase(kRefSide, "ref/city", cmdLine.refDb);
   pProcObj->files->reference = stream;
   if (stream == nullptr) return kRefDbNotOpened;
 
   const RefControlRec* const record = ReadRefControlRec(stream, pProcObj);
   if (record == nullptr) {
     // An error under a warning's title; that is meant, the range side says "Error".
-    reportNoControlRecord("Warning", "Could not read ref/city db control record.");
+    reportNoControlRecord(kRefSide, "Warning", "Could not read ref/city db control record.");
     return kControlRecNotRead;
   }
   if ((record->get(RefControlRec::typeFlags) & kTypeReference) == 0) {
-    utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kError, "RefDB Read Err", kReasonNone,
-                   kMsgRefRead, "Ref/City DB Type Incorrect");
+    utlWriteLogMsg(pProcObj, kDbaccess, kRefSide.line(__LINE__), kError, "RefDB Read Err",
+                   kReasonNone, kMsgRefRead, "Ref/City DB Type Incorrect");
     return kDbWrongType;
   }
   dbDebugControlRecord(pProcObj);
@@ -60,19 +64,19 @@ std::int32_t openRefDb() {
 
 std::int32_t openRangeDb() {
   if (pProcObj == nullptr || pProcObj->files == nullptr) return kRangeDbNotOpened;
-  Stream* const stream = openDatabase("range/zip4", cmdLine.rangeDb);
+  Stream* const stream = openDatabase(kRangeSide, "range/zip4", cmdLine.rangeDb);
   pProcObj->files->range = stream;
   if (stream == nullptr) return kRangeDbNotOpened;
 
   const RngControlRec* const record = pProcObj->rngControlRec =
       ReadRangeControlRec(stream, pProcObj);
   if (record == nullptr) {
-    reportNoControlRecord("Error", "Could not read range/zip4 db control record.");
+    reportNoControlRecord(kRangeSide, "Error", "Could not read range/zip4 db control record.");
     return kControlRecNotRead;
   }
   if ((record->get(RngControlRec::typeFlags) & kTypeRange) == 0) {
-    utlWriteLogMsg(pProcObj, kDbaccess, __LINE__, kError, "RngDB Err", kReasonNone, kMsgRangeRead,
-                   "Range/Zip4 DB Type Incorrect");
+    utlWriteLogMsg(pProcObj, kDbaccess, kRangeSide.line(__LINE__), kError, "RngDB Err", kReasonNone,
+                   kMsgRangeRead, "Range/Zip4 DB Type Incorrect");
     return kDbWrongType;
   }
   dbDebugRngControlRec(pProcObj);

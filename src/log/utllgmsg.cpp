@@ -48,14 +48,14 @@ void formatRecord(const char* source, std::int32_t line, std::int32_t severity, 
   }
 }
 
-// Tells the operator once a run that a record went nowhere.
-std::int32_t reportWriteFailure(FileRecord* files, int error) {
+// Tells the operator once a run that a record, or text without one (null), went nowhere.
+std::int32_t reportWriteFailure(FileRecord* files, const char* record, int error) {
   if (files != nullptr) {
     if (files->logWriteFailureReported != 0) return kLogWriteFailed;
     files->logWriteFailureReported = 1;
   }
   utlWTO("Could not write log message.\n");
-  utlWTO(logText);
+  utlWTO(record);
   std::fprintf(stderr, "Errno = %d : %s\n", error, std::strerror(error));
   return kLogWriteFailed;
 }
@@ -122,13 +122,10 @@ std::int32_t utlWriteLogMsg(ProcObj* proc, const char* source, std::int32_t line
   formatRecord(source, line, severity, title, reason, message);
   Stream* log = proc->files == nullptr ? nullptr : proc->files->log;
   if (log != nullptr) {
-    const std::int32_t written = utlWriteText(logText, log, proc->topOfForm);
+    if (utlWriteText(logText, log, proc->topOfForm) >= 0 && streamFlush(log) == 0) return 0;
     error = errno;
-    // The result of the flush is not looked at; meant.
-    streamFlush(log);
-    if (written >= 0) return 0;
   }
-  return reportWriteFailure(proc->files, error);
+  return reportWriteFailure(proc->files, logText, error);
 }
 
 std::int32_t utlWriteText(const char* text, Stream* stream, const char* /*topOfForm*/) {
@@ -149,10 +146,12 @@ char* utlTOF(char* flag) {
 }
 
 std::int32_t utlLogMsgClose(Stream** stream) {
-  if (stream != nullptr && *stream != nullptr) {
-    streamClose(*stream);
-    *stream = nullptr;
-  }
+  if (stream == nullptr || *stream == nullptr) return 0;
+  const int closed = streamClose(*stream);
+  const int error = errno;
+  *stream = nullptr;
+  FileRecord* const files = pProcObj == nullptr ? nullptr : pProcObj->files;
+  if (closed != 0) reportWriteFailure(files, nullptr, error);
   return 0;
 }
 

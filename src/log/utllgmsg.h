@@ -36,11 +36,25 @@ inline constexpr std::int32_t kLogMsgCount = 100;  // numbers 0 to 99
 // The printf format of a message number, or null when the number has none.
 [[nodiscard]] const char* logMsgText(std::int32_t number);
 
-// The place that a record names: a source file of the system and a line in it. Records with a
-// fixed line carry it as a constant, whatever C++ file they stand in.
+// The place that a record names: a source file of the system and a line in it. No two places of the
+// code share both. Records with a fixed line carry it as a constant, whatever C++ file they stand
+// in.
 struct LogSite {
   const char* source;
   std::int32_t line;
+};
+
+// A source name whose other places count their lines from `base`: where several C++ files log under
+// one name, or two functions through the same statements, each has a thousand lines of its own.
+struct LogSource {
+  constexpr LogSource(const char* source, std::int32_t from = 0) : name(source), base(from) {}
+  [[nodiscard]] constexpr std::int32_t line(std::int32_t at) const { return base + at; }
+  [[nodiscard]] constexpr LogSite at(std::int32_t lineOfFile) const {
+    return {name, base + lineOfFile};
+  }
+
+  const char* name;
+  std::int32_t base;
 };
 
 inline constexpr std::int32_t kLogOpenFailed = -2001;
@@ -64,9 +78,11 @@ std::int32_t utlWriteLogMsg(ProcObj* proc, const char* source, std::int32_t line
 // Characters written to the stream, or to standard output when it is null; negative on failure.
 // No level filters it, and the top-of-form flag has no effect.
 std::int32_t utlWriteText(const char* text, Stream* stream, const char* topOfForm);
-void utlWTO(const char* text);                 // to standard error
-char* utlTOF(char* flag);                      // sets the 2-character flag to "1", returns it
-std::int32_t utlLogMsgClose(Stream** stream);  // closes and nulls it; always 0
+void utlWTO(const char* text);  // to standard error
+char* utlTOF(char* flag);       // sets the 2-character flag to "1", returns it
+// Closes and nulls the log of pProcObj. Always 0; what could not be written is reported on standard
+// error, unless a failure was before.
+std::int32_t utlLogMsgClose(Stream** stream);
 
 // "name:0007" in a static buffer of 55 characters, overwritten by the next call. The name loses
 // its directory and extension; a null one gives the empty text.
@@ -81,7 +97,7 @@ void UtlLogCopyPad(char* to, const char* from, std::int32_t width, std::int32_t 
 [[nodiscard]] bool traceOn(const ProcObj* proc);
 
 // "Entering <name>" / "Leaving <name>" at severity 5 when the trace is on.
-void traceEntering(ProcObj* proc, const char* source, std::int32_t line, const char* name);
-void traceLeaving(ProcObj* proc, const char* source, std::int32_t line, const char* name);
+void traceEntering(ProcObj* proc, LogSource source, std::int32_t line, const char* name);
+void traceLeaving(ProcObj* proc, LogSource source, std::int32_t line, const char* name);
 
 }  // namespace statecut

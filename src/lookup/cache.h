@@ -11,8 +11,6 @@
 
 namespace statecut {
 
-inline constexpr char kCacheSource[] = "cache";  // source name in log records
-
 struct CacheEntry {
   std::uint32_t start;  // RBA of the first byte; all ones (with end 0) when empty
   std::uint32_t end;    // start + size

@@ -9,6 +9,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCacheSource{"cache", 1000};
+
 // The least recently used entry, moved to the front to be overwritten.
 CacheEntry& replaced(Cache* cache) {
   chBumpCache(cache, cache->count - 1);
@@ -52,8 +54,8 @@ std::int32_t chFillLargeCacheFromFile(Cache* cache, Stream* file, std::uint32_t 
 
 std::int32_t chFillCacheFromData(ProcObj* proc, Cache* cache, std::uint32_t rba, const void* data) {
   if (cache == nullptr) {
-    utlWriteLogMsg(proc, kCacheSource, __LINE__, kError, "Error", kReasonNone, kMsgText,
-                   "Cache not initialized.");
+    utlWriteLogMsg(proc, kCacheSource.name, kCacheSource.line(__LINE__), kError, "Error",
+                   kReasonNone, kMsgText, "Cache not initialized.");
     return -1;
   }
   if (!usable(cache) || data == nullptr) return -1;

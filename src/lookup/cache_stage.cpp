@@ -11,6 +11,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCacheSource{"cache", 2000};
+
 constexpr std::int64_t kOverheadsStaged = 13;
 constexpr std::int64_t kStageMargin = 2048;
 constexpr std::int64_t kMaxStage = 2147483647;
@@ -28,8 +30,8 @@ unsigned char* newBuffer(ProcObj* proc, const char* name, std::int64_t size) {
   const auto bytes = static_cast<std::size_t>(size > 0 ? size : 1);
   auto* buffer = static_cast<unsigned char*>(sys::allocateZeroed(bytes));
   if (buffer != nullptr)
-    utlWriteLogMsg(proc, kCacheSource, __LINE__, kInfo, "Info Message", kReasonNone, kMsgSize, name,
-                   static_cast<std::int32_t>(size));
+    utlWriteLogMsg(proc, kCacheSource.name, kCacheSource.line(__LINE__), kInfo, "Info Message",
+                   kReasonNone, kMsgSize, name, static_cast<std::int32_t>(size));
   return buffer;
 }
 

@@ -11,8 +11,6 @@
 
 namespace statecut {
 
-inline constexpr char kCitiesSource[] = "cities";  // source name in log records
-
 // A city name record by its key (1 to the count). The wc form reads through the block cache.
 CityNameRow* dbGetCityUSPS(std::int32_t key);
 CityNameRow* dbGetCityUSPSOff(std::int32_t key);

@@ -11,6 +11,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCitiesSource{"cities", 1000};
+
 using FindName = CityNameRow*(const char* state, const char* name, std::int32_t length);
 
 // Sets the outs from the name that `find` gives. The control record, null when there is no name.

@@ -7,6 +7,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCitiesSource{"cities", 2000};
+
 void cityNamesOff(LookupPointers& pointers) {
   pointers.pfnFindCityIndex = dbFindCityHashOff;
   pointers.pfnFindTruncCityIndex = dbFindTruncCityIdxOff;

@@ -12,6 +12,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCitiesSource{"cities", 3000};
+
 constexpr std::int32_t kMaxName = CityNameRow::name.width;
 constexpr std::int32_t kMaxHashKey = 30;
 

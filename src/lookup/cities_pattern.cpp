@@ -13,6 +13,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCitiesSource{"cities", 4000};
+
 constexpr std::size_t kMaxName = CityNameRow::name.width;
 constexpr std::uint64_t kRbaSpace = std::uint64_t{1} << 32;
 

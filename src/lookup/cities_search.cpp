@@ -11,6 +11,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kCitiesSource{"cities", 5000};
+
 constexpr std::int32_t kMaxName = CityNameRow::name.width;
 
 // The length of a record's name; a damaged length byte counts as the longest name.

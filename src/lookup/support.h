@@ -16,7 +16,7 @@ namespace statecut {
 // successful return. Names and lines are those of the function that makes the object.
 class Trace {
  public:
-  explicit Trace(const char* source, int line = __builtin_LINE(),
+  explicit Trace(LogSource source, int line = __builtin_LINE(),
                  const char* name = __builtin_FUNCTION())
       : source_(source), name_(name) {
     again(line);
@@ -45,7 +45,7 @@ class Trace {
            pProcObj->options->debugSwitch == 'D';
   }
 
-  const char* source_;
+  LogSource source_;
   const char* name_;
 };
 

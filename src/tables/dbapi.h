@@ -11,8 +11,6 @@
 
 namespace statecut {
 
-inline constexpr char kDbapi[] = "dbapi";  // source name in log records
-
 using TableReader = std::int32_t(Stream* file, const RefControlRec* controlRecord, ProcObj* proc);
 
 TableReader dbReadPatternTables;    // -1

@@ -9,6 +9,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kDbapi{"dbapi", 2000};
+
 using Ref = RefControlRec;
 
 constexpr TableInfo kHashedNames[] = {

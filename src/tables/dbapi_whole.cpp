@@ -5,6 +5,12 @@
 
 namespace statecut {
 
+namespace {
+
+constexpr LogSource kDbapi{"dbapi", 3000};
+
+}  // namespace
+
 std::int32_t dbReadStateCutRefDb(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
   constexpr TableReader* kReaders[] = {dbReadCityData, dbReadCityNames,   dbReadCityPhonetics,
                                        dbReadZipData,  dbReadCityByState, dbReadBytesTables};

@@ -8,6 +8,8 @@ namespace statecut {
 
 namespace {
 
+constexpr LogSource kDbapi{"dbapi", 1000};
+
 std::uint32_t wordAt(const RefControlRec& record, std::size_t at) {
   return le::get<4>(record.bytes.data() + at);
 }
@@ -64,8 +66,8 @@ std::int32_t loadTable(const TableInfo& table, Stream* file, const RefControlRec
 }  // namespace
 
 void logTableSize(const char* name, std::uint64_t bytes, ProcObj* proc) {
-  utlWriteLogMsg(proc, kDbapi, __LINE__, kInfo, "Info Message", kReasonNone, kMsgSize, name,
-                 static_cast<std::int32_t>(bytes));
+  utlWriteLogMsg(proc, kDbapi.name, kDbapi.line(__LINE__), kInfo, "Info Message", kReasonNone,
+                 kMsgSize, name, static_cast<std::int32_t>(bytes));
 }
 
 std::int32_t loadTables(const char* reader, std::span<const TableInfo> tables, Stream* file,

@@ -245,6 +245,21 @@ TEST_F(RangeCopy, SharedKeyBehindItsNeighbourIsCopiedFromItsNewPlace) {
   EXPECT_EQ(slice(written, 50000, 40000), slice(source_, 624, 40000));
 }
 
+// Three passes over three ZIP codes; what plans them asks for nothing.
+TEST_F(RangeCopy, EachPassTracesItsLookupOfEachZipCodeOnce) {
+  zips[1].set(ZipDataRow::sfhRba, 1000);
+  sizes[1].set(ZipBytesRow::sfhBytes, 50);
+  proc.options->debugSwitch = 'D';
+  EXPECT_EQ(buildZipEntryPoints(), 0);
+  const std::vector<std::string> records = log();
+  EXPECT_EQ(records.size(), 18u);
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const std::string verb = i % 2 == 0 ? "Entering" : "Leaving";
+    EXPECT_EQ(records[i].substr(records[i].find(";20070;")),
+              ";20070;Debug;" + verb + " dbGetZipDataFromKeyIn");
+  }
+}
+
 TEST_F(RangeCopy, BadKeyStopsAtItsPass) {
   select(50000, 5);
   EXPECT_EQ(buildZipEntryPoints(), -1);

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <regex>
 
 #include "base/cmdline.h"
 #include "base/stream.h"
@@ -196,8 +197,8 @@ class SharedNames : public CutState {
     const Bytes ref = readFile("city.dir");
     const Bytes rng = readFile("zip4us.dir");
     EXPECT_EQ(run(), -1);
-    EXPECT_EQ(lastErrors(), "ERR;cutstate:1877;20003;Open Error;" + path(output) +
-                                ";same file as " + path(other) + "\n");
+    EXPECT_EQ(errorTexts(),
+              "20003;Open Error;" + path(output) + ";same file as " + path(other) + "\n");
     EXPECT_EQ(readFile("city.dir"), ref);
     EXPECT_EQ(readFile("zip4us.dir"), rng);
   }
@@ -257,6 +258,22 @@ TEST_F(CutState, FullDiskUnderTheRangeEndsTheCut) {
   EXPECT_NE(errors.find("20006;DB Write Error;/dev/full;No space left on device\n"),
             std::string::npos)
       << errors;
+}
+
+TEST_F(CutState, FullDiskUnderEitherOutputLeavesTheSameKindsOfRecords) {
+  const auto kinds = [this](const std::string& refOut, const std::string& rangeOut) {
+    setNames("city.dir", "zip4us.dir", refOut, rangeOut);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(cut(), -1);
+    testing::internal::GetCapturedStdout();
+    return std::regex_replace(errorTexts(), std::regex("[0-9]+, Actual bytes written: [0-9]+"),
+                              "N, Actual bytes written: N");
+  };
+  const std::string expected =
+      "20006;DB Write Error;Requested bytes: N, Actual bytes written: N\n"
+      "20006;DB Write Error;/dev/full;No space left on device\n";
+  EXPECT_EQ(kinds("/dev/full", "zip4us.sc"), expected);
+  EXPECT_EQ(kinds("city.sc", "/dev/full"), expected);
 }
 
 TEST_F(CutState, FailureOfOneCutIsForgottenByTheNext) {

@@ -91,6 +91,15 @@ TEST_F(ZipSelect, ZipCodeAbove99999IsNotSelected) {
   EXPECT_EQ(log().size(), 1u);
 }
 
+TEST_F(ZipSelect, SelectingTracesNothing) {
+  makeZips({{0, ""}, {73001, "OK"}});
+  setStates({"OK"});
+  proc.options->debugSwitch = 'D';
+  buildZips();
+  EXPECT_EQ(key(73001), 1u);
+  EXPECT_TRUE(log().empty());
+}
+
 TEST_F(ZipSelect, StateLettersAreComparedExactly) {
   makeZips({{0, ""}, {73001, "ok"}, {73002, "OK"}});
   setStates({"OK"});
@@ -120,7 +129,7 @@ TEST_F(ZipSelect, KeysAreStoredIn16Bits) {
 }
 
 TEST_F(ZipSelect, TableThatFailedToLoadSelectsNothing) {
-  for (const SlotNumber slot : {kSlotZipData, kSlotZipIndex, kSlotZipBytes}) {
+  for (const SlotNumber slot : {kSlotZipData, kSlotZipBytes}) {
     makeZips({{0, ""}, {73001, "OK"}});
     setStates({"OK"});
     buildZips();
@@ -129,6 +138,16 @@ TEST_F(ZipSelect, TableThatFailedToLoadSelectsNothing) {
     EXPECT_EQ(buildZips(), 0);
     EXPECT_EQ(log().size(), 1u);
   }
+}
+
+TEST_F(ZipSelect, SourceIndexIsNotReadByTheSelection) {
+  makeZips({{0, ""}, {73001, "OK"}, {75001, "TX"}});
+  refPointers[kSlotZipIndex].table = nullptr;
+  setStates({"OK"});
+  EXPECT_EQ(buildZips(), 0);
+  EXPECT_EQ(key(73001), 1u);
+  EXPECT_EQ(key(75001), 0u);
+  EXPECT_TRUE(log().empty());
 }
 
 TEST_F(ZipSelect, CopyZipIndexCopiesThe100EntriesOfAPrefix) {

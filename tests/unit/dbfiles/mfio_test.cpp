@@ -100,13 +100,28 @@ TEST_F(BlockFileTest, FailedSkipIsLoggedAndFails) {
 
 TEST_F(BlockFileTest, ReadErrorIsLoggedAndNotFailed) {
   const Lines expected = {
-      "DBG;apiutil;20002;DB Read Error;Requested Bytes: 4088, Actual bytes read: 0",
+      "DBG;apiutil;20002;DB Read Error;Requested Bytes: 1, Actual bytes read: 0",
       "ERR;apiutil;20002;DB Read Error;errno=21:Is a directory",
-      "DBG;apiutil;20002;DB Read Error;Requested Bytes: 4088, Actual bytes read: 0"};
-  EXPECT_EQ(readMFIORngCntrl(unreadable(), 5, 0, buffer_.data(), &proc_), 5U);
+      "DBG;apiutil;20002;DB Read Error;Requested Bytes: 1, Actual bytes read: 0"};
+  EXPECT_EQ(readMFIORngCntrl(unreadable(), 5, 1, buffer_.data(), &proc_), 5U);
   EXPECT_EQ(records(), expected);
   EXPECT_EQ(read(unreadable(), 4088), 0);
   EXPECT_EQ(records(), expected);
+}
+
+TEST_F(BlockFileTest, RequestedBytesShowTheLengthWhateverItIs) {
+  for (const std::int32_t length : {0, 4088, 2147483647, -7}) {
+    const std::string shown =
+        "DBG;apiutil;20002;DB Read Error;Requested Bytes: " + std::to_string(length) +
+        ", Actual bytes read: 0";
+    const Lines expected = {shown, "ERR;apiutil;20002;DB Read Error;errno=21:Is a directory",
+                            shown};
+    readMFIORngCntrl(unreadable(), 0, length, buffer_.data(), &proc_);
+    EXPECT_EQ(records(), expected);
+    EXPECT_EQ(readMFIO(unreadable(), 4088, length, buffer_.data(), &proc_), 0);
+    EXPECT_EQ(records(), expected);
+    previousRecordNumber = 0;
+  }
 }
 
 TEST_F(BlockFileTest, NullStreamIsLoggedAndNotRead) {
@@ -122,7 +137,7 @@ TEST_F(BlockFileTest, NullStreamIsLoggedAndNotRead) {
 
 TEST_F(BlockFileTest, NullBufferIsAShortReadWithoutData) {
   Stream* const file = blocks(2);
-  EXPECT_EQ(readMFIORngCntrl(file, 5, 0, nullptr, &proc_), 5U);
+  EXPECT_EQ(readMFIORngCntrl(file, 5, 4088, nullptr, &proc_), 5U);
   EXPECT_EQ(records(),
             Lines({"DBG;apiutil;20002;DB Read Error;Requested Bytes: 4088, Actual bytes read: 0"}));
 }

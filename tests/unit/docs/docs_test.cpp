@@ -1,7 +1,10 @@
 // Holds the documentation to the code. With STATECUT_UPDATE_DOCS set (scripts/update-docs) the
 // field tables are rewritten instead of compared.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -14,6 +17,7 @@
 #include "fieldtables.h"
 #include "log/utllgmsg.h"
 #include "support/paths.h"
+#include "support/process.h"
 #include "tables/rows.h"
 
 namespace statecut::docs {
@@ -151,6 +155,30 @@ TEST(MessagesDocument, MessageTableEqualsTheCode) {
     EXPECT_NE(document.find(start + text + "\"` |"), std::string::npos) << number << ' ' << text;
   }
   EXPECT_GT(rows, 30u);
+}
+
+// The sample is the record of a reference database that is a pipe.
+TEST(MessagesDocument, SampleRecordIsOneThatTheProgramWrites) {
+  const std::string document = slurp(kDocs + "messages.md");
+  const std::regex record("\n([0-9/]{8} [0-9:.]{8});(ERR;[a-z]+:[0-9]{4,});[0-9]+;(.*)\n");
+  std::smatch sample;
+  ASSERT_TRUE(std::regex_search(document, sample, record));
+  const test::TempDir folder;
+  ASSERT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  const int writer = ::open(folder.file("pipe").c_str(), O_RDWR);
+  ASSERT_NE(writer, -1);
+  test::Command command;
+  command.program = test::kStatecut;
+  command.arguments = {"-f", "pipe"};
+  command.input = "TX\n";
+  command.folder = folder.path();
+  EXPECT_EQ(test::runProcess(command).exitStatus, 255);
+  ::close(writer);
+  const std::string log = test::readTextFile(folder.file("tolvlog.txt"));
+  std::smatch written;
+  ASSERT_TRUE(std::regex_search(log, written, record)) << log;
+  EXPECT_EQ(written[2], sample[2]);
+  EXPECT_EQ(written[3], sample[3]);
 }
 
 // Comments and code speak of lines that never change; each of them is in the document.

@@ -5,6 +5,14 @@ namespace {
 
 using InitLogTest = LogTest;
 
+// The log's own records with "line" for the number of their line.
+std::string withoutLines(std::string text) {
+  for (std::size_t at = 0; (at = text.find("utllgmsg:", at)) != std::string::npos; at += 9) {
+    text.replace(at + 9, text.find(';', at) - at - 9, "line");
+  }
+  return text;
+}
+
 TEST_F(InitLogTest, LevelZeroOpensNoFileAndTakesNoProcessId) {
   processId = 0;
   proc_.files->logWriteFailureReported = 1;
@@ -40,11 +48,7 @@ TEST_F(InitLogTest, DefaultLevelCreatesAnEmptyFile) {
 
 TEST_F(InitLogTest, LevelFourShowsTheThreeFirstRecords) {
   EXPECT_EQ(utlInitLog(4, "log.txt", &proc_), 0);
-  std::string text = log();
-  for (std::size_t at = 0; (at = text.find("utllgmsg:", at)) != std::string::npos; at += 9) {
-    text.replace(at + 9, text.find(';', at) - at - 9, "line");
-  }
-  EXPECT_EQ(text,
+  EXPECT_EQ(withoutLines(log()),
             "11/15/26 11:40.05;INFO;utllgmsg:line;4711;0;Log;Date: 2026-11-15\n"
             "11/15/26 11:40.05;INFO;utllgmsg:line;4711;0;Log;Log file = <log.txt>\n"
             "11/15/26 11:40.05;INFO;utllgmsg:line;4711;0;Velandor Engine;10.00.0.O.F1\n");
@@ -82,6 +86,50 @@ TEST_F(InitLogTest, CloseNullsTheStreamAndTakesNull) {
   EXPECT_EQ(proc_.files->log, nullptr);
   EXPECT_EQ(utlLogMsgClose(&proc_.files->log), 0);
   EXPECT_EQ(utlLogMsgClose(nullptr), 0);
+}
+
+TEST_F(InitLogTest, FullDeviceFailsTheFirstRecordFromLevelFourOn) {
+  const ChildResult child = inChild("", [this] {
+    std::string results;
+    for (const std::int32_t level : {0, 1, 3, 4, 5}) {
+      results += std::to_string(utlInitLog(level, "/dev/full", &proc_)) + " ";
+      streamClose(proc_.files->log);
+      proc_.files->log = nullptr;
+    }
+    return results;
+  });
+  EXPECT_EQ(child.report, "0 0 0 -2003 -2003 ");
+  const std::string reported =
+      "Could not write log message.\n"
+      "11/15/26 11:40.05;INFO;utllgmsg:line;4711;0;Log;Date: 2026-11-15\n"
+      "Errno = 28 : No space left on device\n";
+  EXPECT_EQ(withoutLines(child.err), reported + reported);
+}
+
+TEST_F(InitLogTest, CloseReportsBytesThatCannotBeWrittenUnlessAFailureWasReported) {
+  const std::string reported =
+      "Could not write log message.\nErrno = 28 : No space left on device\n";
+  const auto closing = [this](const char* name, bool record) {
+    return inChild("", [this, name, record] {
+      EXPECT_EQ(utlInitLog(3, name, &proc_), 0);
+      utlWriteText("text\n", proc_.files->log, "1");
+      if (record) write(kError, "lost");
+      const std::int32_t result = utlLogMsgClose(&proc_.files->log);
+      return std::to_string(result) + (proc_.files->log == nullptr ? " null" : " set");
+    });
+  };
+  const ChildResult sound = closing("log.txt", true);
+  EXPECT_EQ(sound.report, "0 null");
+  EXPECT_EQ(sound.err, "");
+  const ChildResult text = closing("/dev/full", false);
+  EXPECT_EQ(text.report, "0 null");
+  EXPECT_EQ(text.err, reported);
+  const ChildResult record = closing("/dev/full", true);
+  EXPECT_EQ(record.report, "0 null");
+  EXPECT_EQ(record.err,
+            "Could not write log message.\n"
+            "11/15/26 11:40.05;ERR;dbaccess:1326;4711;20002;DB Seek Error;lost\n"
+            "Errno = 28 : No space left on device\n");
 }
 
 TEST_F(InitLogTest, TextGoesToTheStreamOrToStandardOutput) {

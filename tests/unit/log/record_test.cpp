@@ -196,12 +196,21 @@ TEST_F(RecordTest, FailedWriteIsReportedWithItsErrno) {
   EXPECT_TRUE(child.err.ends_with(";lost\nErrno = 9 : Bad file descriptor\n"));
 }
 
-TEST_F(RecordTest, FullDiskAtTheFlushIsNotLookedAt) {
-  proc_.logLevel = 3;
-  proc_.files->log = streamOpen("/dev/full", "a+");
-  ASSERT_NE(proc_.files->log, nullptr);
+TEST_F(RecordTest, FullDiskAtTheFlushIsAFailedWriteReportedOnceARun) {
+  openLog(3);
   EXPECT_EQ(write(kError, "small"), 0);
-  EXPECT_TRUE(streamError(proc_.files->log));
+  const ChildResult child = inChild("", [this] {
+    proc_.files->log = streamOpen("/dev/full", "a+");
+    std::string results = std::to_string(write(kError, "lost"));
+    results.append(" ").append(std::to_string(write(kError, "lost again")));
+    results.append(" ").append(std::to_string(write(kInfo, "filtered")));
+    return results;
+  });
+  EXPECT_EQ(child.report, "-2003 -2003 0");
+  EXPECT_EQ(child.err,
+            "Could not write log message.\n"
+            "11/15/26 11:40.05;ERR;dbaccess:1326;4711;20002;DB Seek Error;lost\n"
+            "Errno = 28 : No space left on device\n");
 }
 
 TEST_F(RecordTest, TraceWritesOnlyWithTheDebugSwitch) {

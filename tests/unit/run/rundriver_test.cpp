@@ -121,6 +121,25 @@ TEST_F(RunDriverTest, LogThatCannotBeOpenedEndsTheRunWithoutAPrompt) {
             "Could not open log file/utility: no/such/log\n");
 }
 
+TEST_F(RunDriverTest, LogOnAFullDeviceEndsTheRunFromLevelFourOn) {
+  const std::string lost = "Errno = 28 : No space left on device\n";
+  for (const char* level : {"4", "5"}) {
+    const ChildResult child = run({"-s", "s", "-t", "-l", "/dev/full", "-v", level}, "\n");
+    EXPECT_EQ(child.report, "-9") << level;
+    EXPECT_EQ(child.out, "Processing ... please wait.\n");
+    EXPECT_TRUE(child.err.starts_with("Opened state file: s\nCould not write log message.\n"));
+    EXPECT_TRUE(child.err.ends_with("\n" + lost + "Could not open log file/utility: /dev/full\n"))
+        << child.err;
+  }
+  // Below that the status is that of the cut, and what was lost is said once.
+  for (const char* level : {"1", "3"}) {
+    const ChildResult child = run({"-s", "s", "-l", "/dev/full", "-v", level});
+    EXPECT_EQ(child.report, "-1") << level;
+    EXPECT_TRUE(child.err.ends_with("\n" + lost)) << child.err;
+    EXPECT_EQ(child.err.find(lost), child.err.rfind(lost));
+  }
+}
+
 TEST_F(RunDriverTest, LogThatIsAnotherFileOfTheRunIsRefusedAndUntouched) {
   EXPECT_EQ(run({"-s", "s", "-l", "log.txt"}).report, "-1");
   for (const char* name : {"city.dir", "zip4us.dir", "s", "city.sc", "zip4us.sc"}) {

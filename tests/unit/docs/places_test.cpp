@@ -1,0 +1,149 @@
+// The places that records of the log name: a pair of source name and line stands for one place of
+// the code. A source's lines are fixed ones, and thousands that belong to one C++ file each.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/paths.h"
+
+namespace statecut::docs {
+namespace {
+
+struct File {
+  std::string name;
+  std::string text;
+};
+
+std::vector<File> coreFiles() {
+  std::vector<File> files;
+  const std::filesystem::path folder = std::filesystem::path(test::kSourceFolder) / "src";
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    const std::string extension = entry.path().extension();
+    if (extension != ".cpp" && extension != ".h") continue;
+    std::ostringstream text;
+    text << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+    files.push_back({entry.path().filename(), text.str()});
+  }
+  std::sort(files.begin(), files.end(),
+            [](const File& a, const File& b) { return a.name < b.name; });
+  return files;
+}
+
+// Calls visit(match) for every match.
+template <typename Visit>
+void forEachMatch(const std::string& text, const char* pattern, Visit&& visit) {
+  const std::regex regex(pattern);
+  for (std::sregex_iterator it(text.begin(), text.end(), regex), end; it != end; ++it) visit(*it);
+}
+
+class Places : public testing::Test {
+ protected:
+  using Place = std::pair<std::string, int>;  // source name, line or first line of a thousand
+
+  Places() : files_(coreFiles()) {
+    for (const File& file : files_) {
+      forEachMatch(file.text, R"re(constexpr (?:char|const char\*) (k\w+)(?:\[\])? = "(\w+)")re",
+                   [&](const std::smatch& match) { names_[match[1]] = match[2]; });
+    }
+    for (const File& file : files_) {
+      collectNumbers(file);
+      collectPlain(file);
+    }
+  }
+
+  // {kApiutil, 3000} and {"cities", 1000} are thousands, {kDbaccess, 100} is a fixed line.
+  void collectNumbers(const File& file) {
+    const auto collect = [&](const std::string& source, const std::string& digits) {
+      const int number = std::stoi(digits);
+      (number % 1000 == 0 ? thousands_ : fixed_)[{source, number}].push_back(file.name);
+    };
+    forEachMatch(file.text, R"(\{(k\w+), ([0-9]+)\})", [&](const std::smatch& match) {
+      const auto name = names_.find(match[1]);
+      if (name != names_.end()) collect(name->second, match[2]);
+    });
+    forEachMatch(file.text, R"re(LogSource k\w+\{"(\w+)", ([0-9]+)\})re",
+                 [&](const std::smatch& match) { collect(match[1], match[2]); });
+  }
+
+  // A name alone with a line of the file: the first thousand of that name.
+  void collectPlain(const File& file) {
+    std::map<std::string, bool> used;
+    forEachMatch(file.text, R"((k\w+), __LINE__|Trace trace\((k\w+)\))",
+                 [&](const std::smatch& match) {
+                   const std::string name = match[1].matched ? match[1] : match[2];
+                   if (file.text.find("LogSource " + name + "{") != std::string::npos) return;
+                   ASSERT_EQ(names_.count(name), 1u) << file.name << ' ' << name;
+                   used[names_[name]] = true;
+                 });
+    for (const auto& [source, yes] : used) thousands_[{source, 0}].push_back(file.name);
+  }
+
+  std::vector<File> files_;
+  std::map<std::string, std::string> names_;  // of constants
+  std::map<Place, std::vector<std::string>> thousands_;
+  std::map<Place, std::vector<std::string>> fixed_;
+};
+
+TEST_F(Places, ThousandOfASourceBelongsToOneFileAndOneUse) {
+  EXPECT_GE(thousands_.size(), 25u);
+  for (const auto& [place, owners] : thousands_) {
+    EXPECT_EQ(owners.size(), 1u) << place.first << ' ' << place.second << " of " << owners[0]
+                                 << " and " << owners.back();
+  }
+}
+
+TEST_F(Places, FixedLineIsOneConstantOutsideOfTheThousands) {
+  EXPECT_GE(fixed_.size(), 32u);
+  for (const auto& [place, owners] : fixed_) {
+    EXPECT_EQ(owners.size(), 1u) << place.first << ' ' << place.second;
+    EXPECT_EQ(thousands_.count({place.first, place.second / 1000 * 1000}), 0u)
+        << place.first << ' ' << place.second;
+  }
+}
+
+TEST_F(Places, FixedLineIsUsedOnce) {
+  std::vector<std::string> constants;
+  for (const File& file : files_) {
+    const std::string prefix = file.name == "logsites.h" ? "logsite::" : "";
+    forEachMatch(file.text, R"(LogSite (k\w+)\{)",
+                 [&](const std::smatch& match) { constants.push_back(prefix + match[1].str()); });
+  }
+  EXPECT_GE(constants.size(), 32u);
+  for (const std::string& constant : constants) {
+    int uses = 0;
+    for (const File& file : files_) {
+      forEachMatch(file.text, ("\\b" + constant + "\\b(?!\\{)").c_str(),
+                   [&](const std::smatch&) { ++uses; });
+    }
+    EXPECT_EQ(uses, 1) << constant;
+  }
+}
+
+TEST_F(Places, LineOfTheCodeHasOnePlace) {
+  int places = 0;
+  for (const File& file : files_) {
+    std::istringstream lines(file.text);
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+      int here = 0;
+      forEachMatch(line, R"(__LINE__|Trace trace\(|trace\.(leave|again)\()",
+                   [&](const std::smatch&) { ++here; });
+      EXPECT_LE(here, 1) << file.name << ": " << line;
+      places += here;
+    }
+    EXPECT_LT(count, 1000) << file.name;
+  }
+  EXPECT_GE(places, 100);
+}
+
+}  // namespace
+}  // namespace statecut::docs
