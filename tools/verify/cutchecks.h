@@ -10,9 +10,8 @@
 
 namespace statecut::verify {
 
-// A cut, the pair that it was cut from, and what follows from the source and the states.
-struct CutCase {
-  const Pair& cut;
+// What a cut of a pair to some states holds, as it follows from the two alone.
+struct DerivedCut {
   const Pair& source;
   std::vector<bool> stateChosen;  // by the two letters, see stateIndex
 
@@ -23,6 +22,11 @@ struct CutCase {
   std::vector<bool> cityKept;              // by city key
 };
 
+// A cut beside what it must hold.
+struct CutCase : DerivedCut {
+  const Pair& cut;
+};
+
 inline std::size_t stateIndex(const unsigned char* letters) {
   return std::size_t{letters[0]} << 8 | letters[1];
 }
@@ -30,7 +34,20 @@ inline std::size_t stateIndex(const unsigned char* letters) {
 // Empty, or why the source can't be compared with.
 std::string sourceProblem(const Pair& source);
 
-CutCase deriveCut(const Pair& cut, const Pair& source, const std::vector<std::string>& states);
+// How the records of a state are looked for in the city tables: all of them are, or those that are
+// found when a table is taken to be sorted by state, as a cut takes it. In a sound source that is
+// the same.
+enum class CityScan { All, Sorted };
+
+// `states` sorted, each once, for CityScan::Sorted.
+DerivedCut deriveCut(const Pair& source, const std::vector<std::string>& states,
+                     CityScan scan = CityScan::All);
+
+// Records of a rewritten city table of the cut, the blank first one included.
+std::uint32_t keptCount(const std::vector<std::uint32_t>& map);
+
+// Bytes of the cut's reference file.
+std::uint64_t cutReferenceBytes(const DerivedCut& cut);
 
 void checkCutControl(const CutCase& cut, Report& report);
 void checkCutLayout(const CutCase& cut, Report& report);

@@ -1,5 +1,7 @@
 // What a cut must hold, derived from its source and the states.
 
+#include <algorithm>
+
 #include "tables/rows.h"
 #include "verify/cutchecks.h"
 
@@ -7,7 +9,7 @@ namespace statecut::verify {
 
 namespace {
 
-void deriveZips(CutCase& cut) {
+void deriveZips(DerivedCut& cut) {
   const auto zips = cut.source.records<ZipDataRow>(TableId::ZipData);
   const auto sizes = cut.source.records<ZipBytesRow>(TableId::ZipBytes);
   cut.zipIndex.assign(kZipIndexEntries, 0);
@@ -24,7 +26,7 @@ void deriveZips(CutCase& cut) {
 
 // Kept records keep their order behind the blank first record.
 template <typename RowType>
-std::vector<std::uint32_t> deriveMap(const CutCase& cut, TableId id) {
+std::vector<std::uint32_t> deriveMap(const DerivedCut& cut, TableId id) {
   const auto records = cut.source.records<RowType>(id);
   std::vector<std::uint32_t> map(records.size(), 0);
   std::uint32_t next = 1;
@@ -33,7 +35,27 @@ std::vector<std::uint32_t> deriveMap(const CutCase& cut, TableId id) {
   return map;
 }
 
-void deriveCities(CutCase& cut) {
+// The same for the records that are met when each state in turn is looked for behind the one
+// before, up to the first record of a later state.
+template <typename RowType>
+std::vector<std::uint32_t> deriveSortedMap(const DerivedCut& cut,
+                                           const std::vector<std::string>& states, TableId id) {
+  const auto records = cut.source.records<RowType>(id);
+  std::vector<std::uint32_t> map(records.size(), 0);
+  std::uint32_t next = 1;
+  std::size_t at = 0;
+  for (const std::string& state : states) {
+    const std::size_t wanted = stateIndex(reinterpret_cast<const unsigned char*>(state.data()));
+    for (; at < records.size(); ++at) {
+      const std::size_t found = stateIndex(records[at].get(RowType::state).data());
+      if (found > wanted) break;
+      if (found == wanted) map[at] = next++;
+    }
+  }
+  return map;
+}
+
+void deriveCities(DerivedCut& cut) {
   const auto names = cut.source.records<CityNameRow>(TableId::CityNames);
   cut.cityKept.assign(cut.source.place(TableId::CityData).count, false);
   for (std::size_t i = 0; i < names.size(); ++i) {
@@ -59,13 +81,23 @@ std::string sourceProblem(const Pair& source) {
   return {};
 }
 
-CutCase deriveCut(const Pair& cut, const Pair& source, const std::vector<std::string>& states) {
-  CutCase result{cut, source, std::vector<bool>(65536, false), {}, {}, {}, {}, {}};
+std::uint32_t keptCount(const std::vector<std::uint32_t>& map) {
+  const auto kept = std::count_if(map.begin(), map.end(), [](std::uint32_t n) { return n != 0; });
+  return static_cast<std::uint32_t>(kept) + 1;
+}
+
+DerivedCut deriveCut(const Pair& source, const std::vector<std::string>& states, CityScan scan) {
+  DerivedCut result{source, std::vector<bool>(65536, false), {}, {}, {}, {}, {}};
   for (const std::string& state : states)
     result.stateChosen[stateIndex(reinterpret_cast<const unsigned char*>(state.data()))] = true;
   deriveZips(result);
-  result.nameMap = deriveMap<CityNameRow>(result, TableId::CityNames);
-  result.phoneticMap = deriveMap<CityPhoneticRow>(result, TableId::CityPhonetics);
+  if (scan == CityScan::All) {
+    result.nameMap = deriveMap<CityNameRow>(result, TableId::CityNames);
+    result.phoneticMap = deriveMap<CityPhoneticRow>(result, TableId::CityPhonetics);
+  } else {
+    result.nameMap = deriveSortedMap<CityNameRow>(result, states, TableId::CityNames);
+    result.phoneticMap = deriveSortedMap<CityPhoneticRow>(result, states, TableId::CityPhonetics);
+  }
   deriveCities(result);
   return result;
 }

@@ -70,11 +70,6 @@ bool isPlacedRba(const CutCase& cut, std::size_t at) {
          std::any_of(std::begin(kCopiedLast), std::end(kCopiedLast), places);
 }
 
-std::uint32_t keptCount(const std::vector<std::uint32_t>& map) {
-  const auto kept = std::count_if(map.begin(), map.end(), [](std::uint32_t n) { return n != 0; });
-  return static_cast<std::uint32_t>(kept) + 1;
-}
-
 RefControlRec expectedControl(const CutCase& cut) {
   RefControlRec expected = cut.source.ref();
   expected.set(R::typeFlags, expected.get(R::typeFlags) | kTypeStateCut);
@@ -98,6 +93,17 @@ void compareControl(const RowType& cut, const RowType& expected, File file, Rule
       report.add(ruleId, file, kNoRecord, static_cast<std::uint64_t>(differ - cut.bytes.begin()),
                  std::string(field.name) + " is not what the source leads to");
   });
+}
+
+std::uint64_t bytesInCut(const DerivedCut& cut, TableId id) {
+  const TablePlace& place = cut.source.place(id);
+  const TableDef& def = tableDef(id);
+  if (!place.carried) return 0;
+  if (id == TableId::CityNames) return std::uint64_t{keptCount(cut.nameMap)} * def.cutWidth;
+  if (id == TableId::CityNamesByState)
+    return (std::uint64_t{keptCount(cut.nameMap)} - 1) * def.cutWidth;
+  if (id == TableId::CityPhonetics) return std::uint64_t{keptCount(cut.phoneticMap)} * def.cutWidth;
+  return def.sizing == Sizing::OwnHeader ? place.bytes : place.count * def.cutWidth;
 }
 
 class LayoutWalk {
@@ -146,6 +152,14 @@ void compareTable(const CutCase& cut, TableId id, Report& report) {
 }
 
 }  // namespace
+
+std::uint64_t cutReferenceBytes(const DerivedCut& cut) {
+  std::uint64_t total = R::size;
+  for (const TableId id : kCopied) total += bytesInCut(cut, id);
+  for (const TableId id : kRewritten) total += bytesInCut(cut, id);
+  for (const TableId id : kCopiedLast) total += bytesInCut(cut, id);
+  return total;
+}
 
 void checkCutControl(const CutCase& cut, Report& report) {
   compareControl(

@@ -15,7 +15,7 @@ TableId sizesOf(MultiZipKind kind) {
 
 class Derivation {
  public:
-  Derivation(const CutCase& cut, MultiZipKind kind)
+  Derivation(const DerivedCut& cut, MultiZipKind kind)
       : kind_(kind),
         sizes_(cut.source.table(sizesOf(kind))),
         cities_(cut.source.records<CityDataRow>(TableId::CityData)),
@@ -46,7 +46,7 @@ class Derivation {
   MultiZipUse take() { return std::move(use_); }
 
  private:
-  static std::size_t keyCount(const CutCase& cut) {
+  static std::size_t keyCount(const DerivedCut& cut) {
     return cut.source.place(TableId::MultiZipLists).count;
   }
 
@@ -65,6 +65,7 @@ class Derivation {
   void fill(const MultiZipEntry& entry, MultiZipForm form) {
     if (entry.key >= use_.keys.size() || use_.keys[entry.key].bytes != 0) return;
     use_.keys[entry.key] = {entry.rba, multiZipSize(sizes_, form, entry.key).value_or(0)};
+    if (use_.keys[entry.key].bytes != 0) use_.usedKeys.push_back(entry.key);
   }
 
   MultiZipKind kind_;
@@ -100,7 +101,7 @@ void setRba(FinMultiZipRow& row, MultiZipKind, std::uint32_t rba) {
   row.set(FinMultiZipRow::rba, rba);
 }
 
-MultiZipUse deriveMultiZipUse(const CutCase& cut, MultiZipKind kind) {
+MultiZipUse deriveMultiZipUse(const DerivedCut& cut, MultiZipKind kind) {
   Derivation derivation(cut, kind);
   for (std::size_t city = 0; city < cut.cityKept.size(); ++city)
     if (cut.cityKept[city]) derivation.useCity(city);

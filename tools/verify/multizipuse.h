@@ -27,13 +27,14 @@ struct MultiZipUse {
     std::uint32_t rba = 0;   // in the source's range file
     std::int32_t bytes = 0;  // above 0: the cut copies the partition
   };
-  std::vector<Source> keys;       // by multi-ZIP key
-  std::vector<bool> cityRecords;  // city multi-ZIP records in use
-  std::vector<bool> finRecords;   // finance records in use, SFH only
+  std::vector<Source> keys;             // by multi-ZIP key
+  std::vector<std::uint32_t> usedKeys;  // those with a size
+  std::vector<bool> cityRecords;        // city multi-ZIP records in use
+  std::vector<bool> finRecords;         // finance records in use, SFH only
 
   bool copied(std::uint32_t key) const { return key < keys.size() && keys[key].bytes > 0; }
 };
 
-MultiZipUse deriveMultiZipUse(const CutCase& cut, MultiZipKind kind);
+MultiZipUse deriveMultiZipUse(const DerivedCut& cut, MultiZipKind kind);
 
 }  // namespace statecut::verify

@@ -37,7 +37,7 @@ void checkAlone(const Pair& pair, Report& report) {
 
 void checkCut(const Pair& pair, const Pair& source, const std::vector<std::string>& states,
               Report& report) {
-  const CutCase cut = deriveCut(pair, source, states);
+  const CutCase cut{deriveCut(source, states), pair};
   checkCutControl(cut, report);
   checkCutRangeControl(cut, report);
   if (!pair.isCut()) return;  // it holds other tables
