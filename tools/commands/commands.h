@@ -9,6 +9,8 @@ namespace statecut {
 void addBuildCommand(CLI::App& app, int& status);
 void addInfoCommand(CLI::App& app, int& status);
 void addVerifyCommand(CLI::App& app, int& status);
+void addPlanCommand(CLI::App& app, int& status);
+void addCutsCommand(CLI::App& app, int& status);
 void addQueryCommand(CLI::App& app, int& status);
 void addLookupCommands(CLI::App& app, int& status);  // the short forms: zip, city, street, firm
 

@@ -31,6 +31,8 @@ int runStatedb(int argc, char** argv) {
   addBuildCommand(app, status);
   addInfoCommand(app, status);
   addVerifyCommand(app, status);
+  addPlanCommand(app, status);
+  addCutsCommand(app, status);
   addQueryCommand(app, status);
   addLookupCommands(app, status);
   try {

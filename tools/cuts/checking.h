@@ -1,0 +1,40 @@
+#pragma once
+// What is done with the files of a product once they are cut: in a process of its own, as a file
+// that gets lost while it is read ends the process.
+
+#include <string>
+#include <vector>
+
+#include "cuts/manifest.h"
+
+namespace statecut::cuts {
+
+struct Source {
+  std::string ref;  // paths that lead there from any folder
+  std::string rng;
+};
+
+// What the checks found out; `error` is empty when the product is good.
+struct Checked {
+  std::string error;
+  FileRecord reference;
+  FileRecord range;
+  std::uint32_t time = 0;
+  std::vector<std::string> warnings;  // of the log
+};
+
+std::string toText(const Checked& checked);
+Checked parseChecked(const std::string& text);
+
+// Verifies the product in its part folder against its source, digests it, flushes it to the disk
+// and gives it its name.
+Checked checkAndPublish(const Source& source, const std::string& out, const std::string& product,
+                        const std::vector<std::string>& states);
+
+// Size and digest of a file; `error` when it can't be read.
+FileRecord recordOfFile(const std::string& folder, const std::string& name, std::string& error);
+
+// The texts of the log's records of a severity, "WARN" or "ERR", each once.
+std::vector<std::string> logRecords(const std::string& path, const std::string& severity);
+
+}  // namespace statecut::cuts
