@@ -168,12 +168,6 @@ template <std::uint32_t kType>
 
 }  // namespace
 
-void keepHashMask(std::uint32_t slotCount) {
-  unsigned char* kept = refPointers[kSlotHashMask].bytes;
-  le::put<4>(kept, slotCount - 1);
-  le::put<4>(kept + 4, ~(slotCount - 1));
-}
-
 std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::uint32_t type,
                          ProcObj* /*context*/) {
   switch (type) {
@@ -212,7 +206,7 @@ void zapHashedNames(std::span<const HashedName> names, std::uint32_t type) {
     unsigned char* slot;
     std::uint32_t check;
   };
-  std::array<Search, kZapBatch> searches;
+  std::array<Search, kZapBatch> searches{};
   for (std::size_t from = 0; from < names.size(); from += kZapBatch) {
     const auto batch = names.subspan(from, std::min(kZapBatch, names.size() - from));
     for (std::size_t i = 0; i < batch.size(); ++i) {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-#include "base/procobj.h"
+#include "../base/procobj.h"
 
 namespace statecut {
 
@@ -48,10 +48,6 @@ std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::ui
                          ProcObj* context);
 std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std::uint32_t type,
                             ProcObj* proc);
-
-// Keeps the slot mask (slot count - 1) and its complement with the loaded tables. A search does so
-// itself, from the control record's count, when nothing is kept yet.
-void keepHashMask(std::uint32_t slotCount);
 
 // Overwrites the number stored for a name (0 unlinks it). The number that was there, or -1.
 std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::uint32_t type,

@@ -1,5 +1,6 @@
 // The search on disk: the slot, its overflow entries and the candidate names are read one by one.
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -18,11 +19,13 @@ constexpr std::size_t kLongestRead = 41;
 template <typename RowType>
 constexpr auto entrySize = static_cast<std::uint32_t>(RowType::size);
 
-// A short read leaves what `to` held; the result is not looked at. Nothing is read without a file
-// and behind a read error, where the reader would stop the program.
-void readReference(ProcObj* proc, std::uint32_t rba, std::int32_t count, unsigned char* to) {
+// False without a file, behind a read error, where the reader would stop the program, and when the
+// file fails or turns out to have become shorter. A short read at its end leaves what `to` held.
+bool readReference(ProcObj* proc, std::uint32_t rba, std::int32_t count, unsigned char* to) {
   Stream* file = proc->files == nullptr ? nullptr : proc->files->reference;
-  if (file != nullptr && !streamError(file)) dbReadFile(file, rba, count, to, proc);
+  if (file == nullptr || streamError(file)) return false;
+  const bool read = dbReadFile(file, rba, count, to, proc) != -1;
+  return read && !streamError(file) && !streamEndedEarly(file);
 }
 
 // A name that candidates on disk are compared with.
@@ -38,16 +41,17 @@ struct FileSearch {
     if (type >= kNameLayouts.size()) return length == 0;
     const NameLayout& layout = kNameLayouts[type];
     if (!inTable(layout, number, record)) return false;
-    readReference(
-        proc, le::get<4>(record.bytes.data() + layout.rbaAt) + layout.unit * number + layout.readAt,
-        layout.readBytes, buffer.data());
+    const std::uint32_t table = le::get<4>(record.bytes.data() + layout.rbaAt);
+    if (!readReference(proc, table + layout.unit * number + layout.readAt, layout.readBytes,
+                       buffer.data()))
+      return false;
     const unsigned char* lengthByte = buffer.data() + (layout.lengthAt - layout.readAt);
     const std::uint32_t nameAt = layout.nameAt - layout.readAt;
     const std::int32_t wanted = length - layout.added;
     // A name longer than the bytes read for it matches nothing.
     return wanted <= layout.mostByte && (*lengthByte & layout.lengthMask) == wanted &&
            length <= layout.readBytes - static_cast<std::int32_t>(nameAt) &&
-           std::memcmp(buffer.data() + nameAt, name, static_cast<std::size_t>(length)) == 0;
+           std::equal(name, name + length, buffer.data() + nameAt);
   }
 };
 
@@ -61,9 +65,10 @@ std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std:
   if (probe.slot >= record->get(RefControlRec::hashTableCount)) return kNotFound;
 
   HashSlotRow slot{};
-  readReference(proc,
-                record->get(RefControlRec::hashTableRba) + entrySize<HashSlotRow> * probe.slot,
-                HashSlotRow::size, slot.bytes.data());
+  if (!readReference(proc,
+                     record->get(RefControlRec::hashTableRba) + entrySize<HashSlotRow> * probe.slot,
+                     HashSlotRow::size, slot.bytes.data()))
+    return kNotFound;
   FileSearch search{name, length, type, *record, proc};
   const std::uint32_t count = slot.get(HashSlotRow::count);
   const std::uint32_t number = slot.get(HashSlotRow::number);
@@ -74,9 +79,10 @@ std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std:
   }
   std::array<unsigned char, kMostEntries * kReadPerEntry> entries;
   std::memset(entries.data(), 0, count * kReadPerEntry);
-  readReference(proc,
-                record->get(RefControlRec::hashOverflowRba) + entrySize<HashOverflowRow> * number,
-                static_cast<std::int32_t>(count * kReadPerEntry), entries.data());
+  const std::uint32_t rba =
+      record->get(RefControlRec::hashOverflowRba) + entrySize<HashOverflowRow> * number;
+  if (!readReference(proc, rba, static_cast<std::int32_t>(count * kReadPerEntry), entries.data()))
+    return kNotFound;
   for (std::uint32_t i = 0; i < count; ++i) {
     const unsigned char* entry = entries.data() + i * HashOverflowRow::size;
     if (le::get<2>(entry + HashOverflowRow::check.at) != probe.check) continue;

@@ -21,16 +21,14 @@ struct Probe {
 
 [[gnu::always_inline]] inline Probe probeFor(const unsigned char* name, std::int32_t length,
                                              std::uint32_t type, const RefControlRec& record) {
+  const std::uint32_t slotCount = record.get(RefControlRec::hashTableCount);
+  const std::uint32_t mask = slotCount - 1;
   const unsigned char* kept = refPointers[kSlotHashMask].bytes;
-  std::uint32_t mask = le::get<4>(kept);
-  std::uint32_t complement = le::get<4>(kept + 4);
-  if (complement == 0 && mask == 0) [[unlikely]] {
-    keepHashMask(record.get(RefControlRec::hashTableCount));
-    mask = le::get<4>(kept);
-    complement = le::get<4>(kept + 4);
-  }
+  // Made from the slot count of another record, or not at all.
+  if (le::get<4>(kept) != mask || le::get<4>(kept + 4) != ~mask) [[unlikely]]
+    keepHashMask(slotCount);
   const std::uint32_t hash = fnv_32_buf_backward(name, length, kFnvOffsetBasis + type);
-  return {hash & mask, type | ((hash & complement) >> 16)};
+  return {hash & mask, type | ((hash & ~mask) >> 16)};
 }
 
 // How the name table of a type holds its names: the entry of a number starts at `unit` times it.

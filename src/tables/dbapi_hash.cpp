@@ -37,7 +37,11 @@ std::int32_t failed(const char* what, std::int32_t code, ProcObj* proc) {
 }  // namespace
 
 std::int32_t dbReadHashedNames(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {
-  return loadTables("dbReadHashedNames", kHashedNames, file, controlRecord, proc);
+  dropHashMask();
+  const std::int32_t code =
+      loadTables("dbReadHashedNames", kHashedNames, file, controlRecord, proc);
+  if (code == 0) keepHashMask(controlRecord->get(Ref::hashTableCount));
+  return code;
 }
 
 std::int32_t dbReadMilitaryTable(Stream* file, const RefControlRec* controlRecord, ProcObj* proc) {

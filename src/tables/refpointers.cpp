@@ -1,7 +1,17 @@
 #include "tables/refpointers.h"
 
+#include "base/le.h"
+
 namespace statecut {
 
 std::array<RefSlot, kSlotCount> refPointers{};
+
+void keepHashMask(std::uint32_t slotCount) {
+  unsigned char* kept = refPointers[kSlotHashMask].bytes;
+  le::put<4>(kept, slotCount - 1);
+  le::put<4>(kept + 4, ~(slotCount - 1));
+}
+
+void dropHashMask() { refPointers[kSlotHashMask] = {}; }
 
 }  // namespace statecut

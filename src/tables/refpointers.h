@@ -59,6 +59,12 @@ enum SlotNumber : std::size_t {
 
 extern std::array<RefSlot, kSlotCount> refPointers;
 
+// Keeps the hash slot mask (slot count - 1) and its complement in their slot. The readers do so for
+// the hash table that they load; a search does for the control record in force, when what is kept
+// belongs to another slot count.
+void keepHashMask(std::uint32_t slotCount);
+void dropHashMask();  // for a hash table that is released
+
 // Record `index` of the table in `slot`, or null when the slot is empty or index > count. An
 // index equal to the count gives the zero record in the slack behind the table.
 template <typename RowType>

@@ -133,6 +133,7 @@ std::int32_t free16(ProcObj* proc) {
 }
 
 std::int32_t free18(ProcObj* proc) {
+  dropHashMask();
   return releaseZeroing(proc,
                         {{kSlotHashTable, "Hash Names"}, {kSlotHashOverflow, "Hash Overflow"}});
 }

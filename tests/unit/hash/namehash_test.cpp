@@ -128,7 +128,7 @@ TEST_F(NameHash, SlotOutsideTheTableIsNotFound) {
   plant("TXDALLAS", kCityNames, 2);
   ASSERT_EQ(find("TXDALLAS", kCityNames), 2u);
   ASSERT_GT(slotOf("TXDALLAS", kCityNames) + 1, 0u);
-  record.set(RefControlRec::hashTableCount, slotOf("TXDALLAS", kCityNames));  // the mask is kept
+  record.set(RefControlRec::hashTableCount, slotOf("TXDALLAS", kCityNames));
   EXPECT_EQ(find("TXDALLAS", kCityNames), kNotFound);
 }
 
