@@ -15,6 +15,7 @@ namespace statecut {
 namespace {
 
 Stream* openStreams = nullptr;
+Stream* closedStreams = nullptr;  // marks that closed streams left
 
 void flushOpenStreams() {
   for (Stream* stream = openStreams; stream != nullptr; stream = stream->next) streamFlush(stream);
@@ -86,8 +87,10 @@ int streamSkip(Stream* stream, std::uint64_t distance) {
   return streamSeek(stream, stream->position + distance);
 }
 
-int streamClose(Stream* stream) {
-  if (stream == nullptr) return 0;
+namespace {
+
+// Flushes, closes the file and takes the stream off the list. 0, or -1 with errno set.
+int closeFileOf(Stream* stream) {
   int result = streamFlush(stream);
   int code = errno;
   if (sys::closeFile(stream->fd) != 0 && result == 0 && errno != EINTR) {
@@ -95,7 +98,31 @@ int streamClose(Stream* stream) {
     code = errno;
   }
   delist(stream);
+  errno = code;
+  return result;
+}
+
+}  // namespace
+
+int streamClose(Stream* stream) {
+  if (stream == nullptr || stream->closed) return 0;
+  const int result = closeFileOf(stream);
+  const int code = errno;
   delete stream;
+  errno = code;
+  return result;
+}
+
+int streamCloseKept(Stream* stream) {
+  if (stream == nullptr || stream->closed) return 0;
+  const int result = closeFileOf(stream);
+  const int code = errno;
+  *stream = Stream{};  // releases the buffer
+  stream->closed = true;
+  stream->error = true;
+  stream->firstErrno = EBADF;
+  stream->next = closedStreams;
+  closedStreams = stream;
   errno = code;
   return result;
 }

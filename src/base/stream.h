@@ -33,6 +33,9 @@ void streamWillNeed(const Stream* stream, std::uint64_t offset, std::uint64_t co
 
 int streamFlush(Stream* stream);  // 0, or -1 with errno set and the error indicator set
 int streamClose(Stream* stream);  // flushes and releases; 0, or -1 with errno set. Null: 0
+// As streamClose, but of the stream as much stays as shows that it is closed (its error is EBADF),
+// for a caller that keeps the pointer. Closing such a stream again, in either way, does nothing: 0.
+int streamCloseKept(Stream* stream);
 
 // Bytes written to the stream that its file has not got yet.
 [[nodiscard]] std::size_t streamPending(const Stream* stream);

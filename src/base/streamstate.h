@@ -15,6 +15,7 @@ inline constexpr std::size_t kFirstWindow = 8 * 1024;
 
 struct Stream {
   int fd = -1;
+  bool closed = false;  // by streamCloseKept: a mark that stays for the life of the process
   bool writable = false;
   bool append = false;
   bool seekable = false;

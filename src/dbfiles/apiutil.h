@@ -33,7 +33,8 @@ extern void (*dbLookupInstaller)(ProcObj* proc);
 // The opened stream, which the caller keeps in the file record; null on failure (logged).
 Stream* dbOpenRefDB(ProcObj* proc, const char* path);
 Stream* dbOpenRangeDB(ProcObj* proc, const char* path);
-// Close the stream of pProcObj's file record and leave the pointer as it is.
+// Close the stream of pProcObj's file record and leave the pointer as it is. In any order with each
+// other, with Session::close and with themselves; a stream that is closed already is left alone.
 void dbCloseRefDB();
 std::int32_t dbCloseRangeDB();
 

@@ -76,14 +76,16 @@ Stream* dbOpenRangeDB(ProcObj* proc, const char* path) {
   return stream;
 }
 
-// The pointer keeps its value after the close; that is meant, nothing uses the stream again.
+// Deliberate: the pointer keeps its value after the close. What it points to stays a closed stream,
+// so that a second close, or that of a session, finds it closed.
 void dbCloseRefDB() {
-  if (pProcObj != nullptr && pProcObj->files != nullptr) streamClose(pProcObj->files->reference);
+  if (pProcObj != nullptr && pProcObj->files != nullptr)
+    streamCloseKept(pProcObj->files->reference);
 }
 
 std::int32_t dbCloseRangeDB() {
   if (pProcObj == nullptr || pProcObj->files == nullptr) return 0;
-  return streamClose(pProcObj->files->range);
+  return streamCloseKept(pProcObj->files->range);
 }
 
 std::int32_t evalTimeStamps(const RefControlRec* ref, const RngControlRec* rng, ProcObj* proc) {
