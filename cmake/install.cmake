@@ -21,6 +21,7 @@ install(FILES ${headers} DESTINATION ${header_dir})
 foreach(header IN ITEMS
     base/le.h base/memory.h base/procobj.h base/row.h base/stream.h
     log/seedlog.h log/utllgmsg.h dbfiles/apiutil.h dbfiles/controlrec.h
+    hash/namehash.h
     tables/dbapi.h tables/refpointers.h tables/rows.h tables/tolvfree.h
     lookup/cache.h lookup/cities.h lookup/dispatch.h lookup/firm.h lookup/session.h
     lookup/street.h lookup/tablesets.h lookup/zip.h)

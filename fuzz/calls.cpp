@@ -145,7 +145,7 @@ void makeCall(Session& session, Input& input) {
   for (std::size_t i = 0; i < op.parameters.size(); ++i) {
     fillArg(session, op.parameters[i].kind, input, args[i]);
   }
-  session.prepare(op.sets);
+  (void)session.prepare(op.sets);
   for (const Arg& arg : args) guardText(arg, true);
   query::Answer answer(out, true);
   op.handler(session, args, answer);

@@ -31,7 +31,7 @@ void readOthers(Session& session) {
   }
   unsigned char* bytes = nullptr;
   if (!streamError(file)) dbReadRefRBA(844, &bytes, 100, session.proc());
-  session.prepare(kZipBytesSet);
+  (void)session.prepare(kZipBytesSet);
 }
 
 }  // namespace

@@ -26,14 +26,13 @@ std::uint32_t cityRecord(std::uint32_t key) {
 }
 
 std::uint32_t cityName(std::uint32_t number) {
-  const CityNameRow* record =
-      lookupsOf(pProcObj).pfnGetCityUSPSwc(static_cast<std::int32_t>(number));
+  const CityNameRow* record = pProcObj->pfnGetCityUSPSwc(static_cast<std::int32_t>(number));
   return record == nullptr ? 0 : record->get(CityNameRow::cityKey);
 }
 
 std::uint32_t streetName(std::uint32_t offset) {
   std::int32_t length = 0;
-  const char* name = lookupsOf(pProcObj).pfnGetStreetNameUSPSwc(offset, &length, pProcObj);
+  const char* name = pProcObj->pfnGetStreetNameUSPSwc(offset, &length, pProcObj);
   return name == nullptr || length <= 0 ? 0 : static_cast<unsigned char>(name[length - 1]);
 }
 

@@ -1,7 +1,8 @@
 #pragma once
-// The lookups by ZIP, city, phonetic key, street and firm, the pointers to them and the block
-// cache.
+// The lookups by ZIP, city, phonetic key, street and firm, the pointers to them, the name hash
+// index behind them and the block cache.
 
+#include "core/hash/namehash.h"
 #include "core/lookup/cache.h"
 #include "core/lookup/cities.h"
 #include "core/lookup/dispatch.h"

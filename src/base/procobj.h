@@ -11,7 +11,8 @@ struct Stream;             // base/stream.h
 struct RefControlRec;      // dbfiles/controlrec.h
 struct RngControlRec;      // dbfiles/controlrec.h
 struct CacheControlBlock;  // lookup/cache.h
-struct LookupPointers;     // lookup/dispatch.h
+struct CityNameRow;        // tables/rows.h
+struct CityPhoneticRow;    // tables/rows.h
 struct ProcObj;
 
 // The run's open files; null when closed.
@@ -47,6 +48,22 @@ struct OptionsRecord {
   char debugSwitch;           // 'D': library functions log Entering and Leaving
 };
 
+// The kinds of lookups that ProcObj points to; what they take and return stands in lookup/.
+using FindKey = std::int32_t(const char* key, std::int32_t length, ProcObj* proc);
+using GetName = const char*(std::uint32_t offset, std::int32_t* length, ProcObj* proc);
+using FindCityIndex = std::int32_t(const char* state, const char* name, std::int32_t length);
+using GetCityName = CityNameRow*(std::int32_t key);
+using GetCityPhonetic = CityPhoneticRow*(std::int32_t index);
+using NameMatcher = std::int32_t (*)(const char* name, const char* text);
+using SeqSearchCity = std::int32_t(const char* state, const char* text, NameMatcher matcher,
+                                   std::int32_t start);
+using FindStreetVarIdx = std::int32_t(std::uint32_t type, const char* key, std::int32_t length,
+                                      ProcObj* proc);
+using FindStreetVar = const std::uint32_t*(const char* key, std::int32_t length,
+                                           const std::uint16_t* scfKeys, std::int32_t scfCount,
+                                           std::int32_t kind, std::int8_t* flag,
+                                           std::int32_t* count);
+
 // One instance a run, zero-filled before use, reached through pProcObj.
 struct ProcObj {
   std::uint16_t firstErrorMessage;  // 0 = no severity 1 or 2 message yet
@@ -57,8 +74,23 @@ struct ProcObj {
   RefControlRec* refControlRec;  // null when not read
   RngControlRec* rngControlRec;  // null when not read
   FileRecord fileRecord;
-  FileRecord* files;         // the embedded record; every user goes through this pointer
-  LookupPointers* lookups;   // function-pointer members of the lookup interface
+  FileRecord* files;  // the embedded record; every user goes through this pointer
+  // The lookups that are called through members; null until lookup/dispatch.h sets them.
+  FindKey* pfnFindFirm;
+  FindKey* pfnFindStreetKey;
+  FindStreetVar* pfnFindStreetVar;
+  GetName* pfnGetStreetNameUSPS;
+  GetName* pfnGetStreetNameUSPSwc;
+  FindCityIndex* pfnFindCityIndex;
+  FindCityIndex* pfnFindTruncCityIndex;
+  GetCityName* pfnGetCityUSPS;
+  GetCityName* pfnGetCityUSPSwc;
+  SeqSearchCity* pfnSeqSearchCity;
+  GetCityPhonetic* pfnGetCityPh;
+  GetName* pfnGetFirmName;
+  FindKey* pfnFindCityNameIdx;
+  FindKey* pfnFindCityPhIdx;
+  FindStreetVarIdx* pfnFindStreetVarIdx;
   CacheControlBlock* cache;  // null when no cache was built
   Statistics statistics;
   Statistics* stats;

@@ -5,12 +5,12 @@
 #include <algorithm>
 
 #include "base/system.h"
+#include "lookup/cacheblock.h"
 
 namespace statecut {
 
 namespace {
 
-constexpr std::uint32_t kEmptyStart = 0xFFFFFFFFu;
 constexpr std::int64_t kMaxBlock = 2147483647;
 
 // Hits in the first places of a block cache are left where they are: a saving of moves.
@@ -40,12 +40,15 @@ Cache* chConstructCache(std::uint32_t blockSize, std::int32_t entries) {
   if (cache == nullptr) return nullptr;
   cache->entries = static_cast<CacheEntry*>(
       sys::allocateZeroed(static_cast<std::size_t>(entries) * sizeof(CacheEntry)));
-  for (std::int32_t i = 0; cache != nullptr && i < entries; ++i) {
-    if (cache->entries != nullptr &&
-        chConstructBufferData(&cache->entries[i], static_cast<std::int32_t>(blockSize)) == 0)
-      ++cache->count;
-    else
-      chFreeCache(&cache);
+  if (cache->entries == nullptr) {
+    sys::release(cache);
+    return nullptr;
+  }
+  for (cache->count = 0; cache->count < entries; ++cache->count) {
+    CacheEntry* entry = &cache->entries[cache->count];
+    if (chConstructBufferData(entry, static_cast<std::int32_t>(blockSize)) == 0) continue;
+    chFreeCache(&cache);
+    return nullptr;
   }
   return cache;
 }

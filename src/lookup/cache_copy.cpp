@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "lookup/cache.h"
+#include "lookup/cacheblock.h"
 
 namespace statecut {
 
@@ -62,7 +62,7 @@ std::int32_t chGetBlockCacheData(Cache* cache, Stream* file, std::uint32_t rba, 
     if (position == -2) {
       next += copied;
       filled = false;
-    } else if (filled || chFillCacheFromFile(cache, file, rba, proc) == -1) {
+    } else if (filled || !fillBlock(cache, file, rba, proc)) {
       return -2;
     } else {
       filled = true;

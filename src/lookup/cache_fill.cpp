@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "lookup/cache.h"
+#include "lookup/cacheblock.h"
 #include "lookup/support.h"
 
 namespace statecut {
@@ -29,7 +29,19 @@ void hold(CacheEntry& entry, std::uint32_t rba, std::int32_t length) {
   entry.end = rba + static_cast<std::uint32_t>(length);
 }
 
+void drop(CacheEntry& entry) {
+  entry.start = kEmptyStart;
+  entry.end = 0;
+}
+
 }  // namespace
+
+bool fillBlock(Cache* cache, Stream* file, std::uint32_t rba, ProcObj* proc) {
+  if (!usable(cache) || !readable(file)) return false;
+  const bool filled = chFillCacheFromFile(cache, file, rba, proc) != -1 && !lost(file);
+  if (!filled) drop(cache->entries[0]);
+  return filled;
+}
 
 std::int32_t chFillCacheFromFile(Cache* cache, Stream* file, std::uint32_t rba, ProcObj* proc) {
   if (!usable(cache) || !readable(file)) return -1;
@@ -48,6 +60,10 @@ std::int32_t chFillLargeCacheFromFile(Cache* cache, Stream* file, std::uint32_t 
   if (!usable(cache) || !fits(cache, length) || !readable(file)) return -1;
   CacheEntry& entry = replaced(cache);
   if (readGuarded(file, rba, length, entry.data, proc) < length) return -1;
+  if (lost(file)) {
+    drop(entry);  // its bytes are those of no record
+    return -1;
+  }
   hold(entry, rba, length);
   return 0;
 }

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "lookup/cache.h"
+#include "lookup/cacheblock.h"
 
 namespace statecut {
 
@@ -137,7 +137,7 @@ std::int32_t chGetBlockCacheDataPtr(Cache* cache, Stream* file, std::uint32_t rb
                                     std::int32_t length, unsigned char** out, ProcObj* proc) {
   return readWhole(blockPiece, cache, rba, length, out, blockOf(proc),
                    [=](std::uint32_t next, std::int32_t) {
-                     return chFillCacheFromFile(cache, file, next, proc);
+                     return fillBlock(cache, file, next, proc) ? 0 : -1;
                    });
 }
 

@@ -36,9 +36,8 @@ CityDataRow* dataInMemory(const RefControlRec* ref, std::uint32_t key) {
 }
 
 CityDataRow* dataOnDisk(const RefControlRec* ref, std::uint32_t key, CityDataRow* record) {
-  if (ref == nullptr) return nullptr;
-  readRow(ref->get(RefControlRec::cityDataRba), key, record);
-  return record;
+  const bool read = ref != nullptr && readRow(ref->get(RefControlRec::cityDataRba), key, record);
+  return read ? record : nullptr;
 }
 
 }  // namespace
@@ -112,6 +111,7 @@ const CityZipKeyRow* dbGetCityZipKeyPtrOff(std::uint32_t count, std::uint32_t st
       entryRba(ref->get(RefControlRec::cityMultiZipListsRba), start, CityZipKeyRow::size);
   const auto bytes = static_cast<std::int32_t>(
       std::min<std::uint64_t>(std::uint64_t{count} * CityZipKeyRow::size, kListBytes));
+  if (refLost(pProcObj)) return nullptr;
   if (start != lastStart && !readCached(rba, bytes, listBuff.data())) return nullptr;
   return trace.leave(reinterpret_cast<const CityZipKeyRow*>(listBuff.data()));
 }
@@ -132,9 +132,10 @@ const KeyRow* dbGetCityFinKeyPtrOff(std::uint32_t count, std::uint32_t start) {
   if (ref == nullptr || start == 0 ||
       start > (ref->get(RefControlRec::cityMultiFinanceListsCount) & 0xFFFF))
     return nullptr;
-  readDirect(entryRba(ref->get(RefControlRec::cityMultiFinanceListsRba), start, KeyRow::size),
-             static_cast<std::int32_t>(std::min(count, kCityFinKeysMax) * KeyRow::size),
-             buff.data());
+  const std::uint32_t rba =
+      entryRba(ref->get(RefControlRec::cityMultiFinanceListsRba), start, KeyRow::size);
+  const auto bytes = static_cast<std::int32_t>(std::min(count, kCityFinKeysMax) * KeyRow::size);
+  if (!readDirect(rba, bytes, buff.data())) return nullptr;
   return trace.leave(buff.data());
 }
 
@@ -155,7 +156,7 @@ CityMultiZipRow* dbGetCityMultiZipRBADataOff(const CityDataRow* city) {
   if (ref == nullptr || city == nullptr) return nullptr;
   const std::uint32_t index = city->get(CityDataRow::multiZipRbaKey);
   if (index == 0 || index > ref->get(RefControlRec::cityMultiZipRbasCount)) return nullptr;
-  readRow(ref->get(RefControlRec::cityMultiZipRbasRba), index, &buff);
+  if (!readRow(ref->get(RefControlRec::cityMultiZipRbasRba), index, &buff)) return nullptr;
   return trace.leave(&buff);
 }
 

@@ -9,12 +9,12 @@ namespace {
 
 constexpr LogSource kCitiesSource{"cities", 2000};
 
-void cityNamesOff(LookupPointers& pointers) {
-  pointers.pfnFindCityIndex = dbFindCityHashOff;
-  pointers.pfnFindTruncCityIndex = dbFindTruncCityIdxOff;
-  pointers.pfnGetCityUSPS = dbGetCityUSPSOff;
-  pointers.pfnGetCityUSPSwc = dbGetCityUSPSOffwc;
-  pointers.pfnSeqSearchCity = seqSearchCityOff;
+void cityNamesOff(ProcObj& proc) {
+  proc.pfnFindCityIndex = dbFindCityHashOff;
+  proc.pfnFindTruncCityIndex = dbFindTruncCityIdxOff;
+  proc.pfnGetCityUSPS = dbGetCityUSPSOff;
+  proc.pfnGetCityUSPSwc = dbGetCityUSPSOffwc;
+  proc.pfnSeqSearchCity = seqSearchCityOff;
   dbFindCity = dbFindCityOff;
   dbFindTruncCity = dbFindTruncCityOff;
 }
@@ -31,58 +31,53 @@ bool hashFails(ProcObj* proc) {
 CityNameRow* dbGetCityUSPSFirst(std::int32_t key) {
   const Trace trace(kCitiesSource);
   if (pProcObj == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(pProcObj);
-  pointers.pfnGetCityUSPS = dbGetCityUSPS;
-  pointers.pfnGetCityUSPSwc = dbGetCityUSPS;
-  if (cityNamesFail(pProcObj)) cityNamesOff(pointers);
-  return trace.leave(pointers.pfnGetCityUSPS(key));
+  pProcObj->pfnGetCityUSPS = dbGetCityUSPS;
+  pProcObj->pfnGetCityUSPSwc = dbGetCityUSPS;
+  if (cityNamesFail(pProcObj)) cityNamesOff(*pProcObj);
+  return trace.leave(pProcObj->pfnGetCityUSPS(key));
 }
 
 std::int32_t dbFindCityIndexFirst(const char* state, const char* name, std::int32_t length) {
   const Trace trace(kCitiesSource);
   if (pProcObj == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(pProcObj);
-  pointers.pfnFindCityIndex = dbFindCityHashIn;
-  if (cityNamesFail(pProcObj)) cityNamesOff(pointers);
+  pProcObj->pfnFindCityIndex = dbFindCityHashIn;
+  if (cityNamesFail(pProcObj)) cityNamesOff(*pProcObj);
   if (hashFails(pProcObj)) {
-    pointers.pfnFindCityIndex = dbFindCityHashOff;
-    pointers.pfnFindCityNameIdx = dbFindCityNameIdxOff;
+    pProcObj->pfnFindCityIndex = dbFindCityHashOff;
+    pProcObj->pfnFindCityNameIdx = dbFindCityNameIdxOff;
   }
-  return trace.leave(pointers.pfnFindCityIndex(state, name, length));
+  return trace.leave(pProcObj->pfnFindCityIndex(state, name, length));
 }
 
 std::int32_t dbFindCityNameIdxFirst(const char* key, std::int32_t length, ProcObj* proc) {
   const Trace trace(kCitiesSource);
   if (proc == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(proc);
-  pointers.pfnFindCityNameIdx = dbFindCityNameIdx;
+  proc->pfnFindCityNameIdx = dbFindCityNameIdx;
   if (cityNamesFail(proc)) {
-    cityNamesOff(pointers);
-    pointers.pfnFindCityNameIdx = dbFindCityNameIdxOff;
+    cityNamesOff(*proc);
+    proc->pfnFindCityNameIdx = dbFindCityNameIdxOff;
   }
   if (hashFails(proc)) {
-    pointers.pfnFindCityIndex = dbFindCityHashOff;
-    pointers.pfnFindCityNameIdx = dbFindCityNameIdxOff;
+    proc->pfnFindCityIndex = dbFindCityHashOff;
+    proc->pfnFindCityNameIdx = dbFindCityNameIdxOff;
   }
-  return trace.leave(pointers.pfnFindCityNameIdx(key, length, proc));
+  return trace.leave(proc->pfnFindCityNameIdx(key, length, proc));
 }
 
 std::int32_t dbFindTruncCityIndexFirst(const char* state, const char* name, std::int32_t length) {
   const Trace trace(kCitiesSource);
   if (pProcObj == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(pProcObj);
-  pointers.pfnFindTruncCityIndex = dbFindTruncCityIndex;
-  if (cityNamesFail(pProcObj)) cityNamesOff(pointers);
-  return trace.leave(pointers.pfnFindTruncCityIndex(state, name, length));
+  pProcObj->pfnFindTruncCityIndex = dbFindTruncCityIndex;
+  if (cityNamesFail(pProcObj)) cityNamesOff(*pProcObj);
+  return trace.leave(pProcObj->pfnFindTruncCityIndex(state, name, length));
 }
 
 CityNameRow* dbFindTruncCityFirst(const char* state, const char* name, std::int32_t length) {
   const Trace trace(kCitiesSource);
   if (pProcObj == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(pProcObj);
   dbFindTruncCity = dbFindTruncCityIn;
-  pointers.pfnFindTruncCityIndex = dbFindTruncCityIndex;
-  if (cityNamesFail(pProcObj)) cityNamesOff(pointers);
+  pProcObj->pfnFindTruncCityIndex = dbFindTruncCityIndex;
+  if (cityNamesFail(pProcObj)) cityNamesOff(*pProcObj);
   return trace.leave(dbFindTruncCity(state, name, length));
 }
 
@@ -90,10 +85,9 @@ std::int32_t seqSearchCityFirst(const char* state, const char* text, NameMatcher
                                 std::int32_t start) {
   const Trace trace(kCitiesSource);
   if (pProcObj == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(pProcObj);
-  pointers.pfnSeqSearchCity = seqSearchCityIn;
-  if (cityNamesFail(pProcObj)) cityNamesOff(pointers);
-  return trace.leave(pointers.pfnSeqSearchCity(state, text, matcher, start));
+  pProcObj->pfnSeqSearchCity = seqSearchCityIn;
+  if (cityNamesFail(pProcObj)) cityNamesOff(*pProcObj);
+  return trace.leave(pProcObj->pfnSeqSearchCity(state, text, matcher, start));
 }
 
 }  // namespace statecut

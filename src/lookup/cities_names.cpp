@@ -35,9 +35,9 @@ CityNameRow* nameInMemory(std::int32_t index) {
 
 CityNameRow* nameOnDisk(std::int32_t index, CityNameRow* record) {
   const RefControlRec* ref = refRecord();
-  if (ref == nullptr) return nullptr;
-  readRow(ref->get(RefControlRec::cityNamesRba), static_cast<std::uint32_t>(index), record);
-  return record;
+  const bool read = ref != nullptr && readRow(ref->get(RefControlRec::cityNamesRba),
+                                              static_cast<std::uint32_t>(index), record);
+  return read ? record : nullptr;
 }
 
 // The hash key of a city: its state, then its name.
@@ -52,7 +52,7 @@ struct CityKey {
 };
 
 std::int32_t cityIndex(const char* state, const char* name, std::int32_t length) {
-  return orFirst(lookupsOf(pProcObj).pfnFindCityIndex, dbFindCityIndexFirst)(state, name, length);
+  return orFirst(&ProcObj::pfnFindCityIndex, dbFindCityIndexFirst)(state, name, length);
 }
 
 }  // namespace
@@ -86,8 +86,7 @@ CityNameRow* dbGetCityUSPSOffwc(std::int32_t key) {
 CityNameRow* dbGetCityName(const std::uint32_t* key) {
   const Trace trace(kCitiesSource);
   if (key == nullptr) return nullptr;
-  return orFirst(lookupsOf(pProcObj).pfnGetCityUSPS,
-                 dbGetCityUSPSFirst)(static_cast<std::int32_t>(*key));
+  return orFirst(&ProcObj::pfnGetCityUSPS, dbGetCityUSPSFirst)(static_cast<std::int32_t>(*key));
 }
 
 std::int32_t dbFindCityNameIdx(const char* key, std::int32_t length, ProcObj* proc) {

@@ -59,9 +59,8 @@ std::int32_t seqSearchCityOff(const char* state, const char* text, NameMatcher m
   for (auto position = static_cast<std::uint64_t>(start); position < count; ++position) {
     const std::uint32_t rba =
         entryRba(table, static_cast<std::uint32_t>(position), CityNameRow::size);
-    const std::int32_t got = readDirect(rba, CityNameRow::size, &record);
+    if (!readDirect(rba, CityNameRow::size, &record)) return -1;
     if (matches(record, state, text, matcher)) return trace.leave(behind(position));
-    if (got < 0) return -1;
     const bool isShort = streamEof(refStream(pProcObj));
     // Behind the end of the file nothing changes until RBAs start over.
     if (isShort && wasShort) position += (kRbaSpace - 1 - rba) / CityNameRow::size;
@@ -73,8 +72,8 @@ std::int32_t seqSearchCityOff(const char* state, const char* text, NameMatcher m
 std::int32_t findNearestCity(const char* state, const char* pattern, std::int32_t start) {
   const Trace trace(kCitiesSource);
   const auto search = [&](const char* text, NameMatcher matcher) {
-    return trace.leave(orFirst(lookupsOf(pProcObj).pfnSeqSearchCity, seqSearchCityFirst)(
-        state, text, matcher, start));
+    return trace.leave(
+        orFirst(&ProcObj::pfnSeqSearchCity, seqSearchCityFirst)(state, text, matcher, start));
   };
   std::array<char, kMaxName + 1> work{};
   std::size_t length = std::min(std::strlen(pattern), kMaxName);

@@ -25,8 +25,8 @@ std::int32_t phoneticIndex(const char* state, const char* code, std::int32_t len
   std::array<char, kMaxCode + 2> key{};
   std::memcpy(key.data(), state, 2);
   if (length > 0) std::memcpy(key.data() + 2, code, static_cast<std::size_t>(length));
-  *index = orFirst(lookupsOf(pProcObj).pfnFindCityPhIdx, findCityPhIdxFirst)(key.data(), length + 2,
-                                                                             pProcObj);
+  *index =
+      orFirst(&ProcObj::pfnFindCityPhIdx, findCityPhIdxFirst)(key.data(), length + 2, pProcObj);
   return *index;
 }
 
@@ -49,10 +49,10 @@ bool hashFails(ProcObj* proc) {
   return loaded(kSlotCityPhonetics) && loadFails(kSlotHashTable, dbReadHashedNames, proc);
 }
 
-void phoneticsOff(LookupPointers& pointers) {
-  pointers.pfnGetCityPh = dbGetCityPhOff;
+void phoneticsOff(ProcObj& proc) {
+  proc.pfnGetCityPh = dbGetCityPhOff;
   dbFindCityPh = dbFindCityPhOff;
-  pointers.pfnFindCityPhIdx = findCityPhIdxOff;
+  proc.pfnFindCityPhIdx = findCityPhIdxOff;
 }
 
 }  // namespace
@@ -81,8 +81,11 @@ CityPhoneticRow* dbFindCityPhOff(const char* state, const char* code, std::int32
   if (phoneticIndex(state, code, length, index) == -1) return nullptr;
   const RefControlRec* ref = refRecord();
   if (ref == nullptr) return nullptr;
-  readRow(ref->get(RefControlRec::cityPhoneticsRba), static_cast<std::uint32_t>(*index),
-          &cityPhBuff);
+  if (!readRow(ref->get(RefControlRec::cityPhoneticsRba), static_cast<std::uint32_t>(*index),
+               &cityPhBuff)) {
+    *index = -1;
+    return nullptr;
+  }
   storeCount(cityPhBuff, count);
   return &cityPhBuff;
 }
@@ -97,37 +100,34 @@ CityPhoneticRow* dbGetCityPhOff(std::int32_t index) {
   if (ref == nullptr || index < 1 ||
       static_cast<std::uint32_t>(index) > ref->get(RefControlRec::cityPhoneticsCount))
     return nullptr;
-  readRow(ref->get(RefControlRec::cityPhoneticsRba), static_cast<std::uint32_t>(index),
-          &cityPhBuff);
-  return &cityPhBuff;
+  const bool read = readRow(ref->get(RefControlRec::cityPhoneticsRba),
+                            static_cast<std::uint32_t>(index), &cityPhBuff);
+  return read ? &cityPhBuff : nullptr;
 }
 
 CityPhoneticRow* dbFindCityPhFirst(const char* state, const char* code, std::int32_t length,
                                    std::int32_t* count, std::int32_t* index) {
   if (pProcObj == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(pProcObj);
   dbFindCityPh = dbFindCityPhIn;
-  pointers.pfnFindCityPhIdx = findCityPhIdx;
-  if (phoneticsFail(pProcObj)) phoneticsOff(pointers);
-  if (hashFails(pProcObj)) pointers.pfnFindCityPhIdx = findCityPhIdxOff;
+  pProcObj->pfnFindCityPhIdx = findCityPhIdx;
+  if (phoneticsFail(pProcObj)) phoneticsOff(*pProcObj);
+  if (hashFails(pProcObj)) pProcObj->pfnFindCityPhIdx = findCityPhIdxOff;
   return dbFindCityPh(state, code, length, count, index);
 }
 
 std::int32_t findCityPhIdxFirst(const char* key, std::int32_t length, ProcObj* proc) {
   if (proc == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(proc);
-  pointers.pfnFindCityPhIdx = findCityPhIdx;
-  if (phoneticsFail(proc)) phoneticsOff(pointers);
-  if (hashFails(proc)) pointers.pfnFindCityPhIdx = findCityPhIdxOff;
-  return pointers.pfnFindCityPhIdx(key, length, proc);
+  proc->pfnFindCityPhIdx = findCityPhIdx;
+  if (phoneticsFail(proc)) phoneticsOff(*proc);
+  if (hashFails(proc)) proc->pfnFindCityPhIdx = findCityPhIdxOff;
+  return proc->pfnFindCityPhIdx(key, length, proc);
 }
 
 CityPhoneticRow* dbGetCityPhFirst(std::int32_t index) {
   if (pProcObj == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(pProcObj);
-  pointers.pfnGetCityPh = dbGetCityPh;
-  if (phoneticsFail(pProcObj)) phoneticsOff(pointers);
-  return pointers.pfnGetCityPh(index);
+  pProcObj->pfnGetCityPh = dbGetCityPh;
+  if (phoneticsFail(pProcObj)) phoneticsOff(*pProcObj);
+  return pProcObj->pfnGetCityPh(index);
 }
 
 }  // namespace statecut

@@ -39,7 +39,8 @@ int compareTruncated(const char* state, const char* name, std::int32_t length,
   return order == 0 && length > heldLength ? 1 : order;
 }
 
-// Probes positions 0 to count - 1, one below the keys of the other lookups. Meant.
+// Probes positions 0 to count - 1, one below the keys of the other lookups. Meant. A null record
+// ends the search.
 template <typename RecordAt>
 std::int32_t searchTruncated(const char* state, const char* name, std::int32_t length,
                              std::uint32_t count, RecordAt recordAt) {
@@ -48,8 +49,9 @@ std::int32_t searchTruncated(const char* state, const char* name, std::int32_t l
   std::int64_t high = std::int64_t{count} - 1;
   while (low <= high) {
     const std::int64_t middle = (low + high) / 2;
-    const int order =
-        compareTruncated(state, name, length, recordAt(static_cast<std::uint32_t>(middle)));
+    const CityNameRow* record = recordAt(static_cast<std::uint32_t>(middle));
+    if (record == nullptr) return -1;
+    const int order = compareTruncated(state, name, length, *record);
     if (order == 0) return static_cast<std::int32_t>(middle);
     if (order < 0)
       high = middle - 1;
@@ -81,9 +83,13 @@ CityNameRow* onlyMatch(const char* state, const char* name, std::int32_t length,
   return recordAt(static_cast<std::uint32_t>(index));
 }
 
+// The record on disk, null when it cannot be read.
+CityNameRow* readName(const RefControlRec& ref, std::uint32_t at, CityNameRow* record) {
+  return readRow(ref.get(RefControlRec::cityNamesRba), at, record) ? record : nullptr;
+}
+
 std::int32_t truncatedIndex(const char* state, const char* name, std::int32_t length) {
-  return orFirst(lookupsOf(pProcObj).pfnFindTruncCityIndex, dbFindTruncCityIndexFirst)(state, name,
-                                                                                       length);
+  return orFirst(&ProcObj::pfnFindTruncCityIndex, dbFindTruncCityIndexFirst)(state, name, length);
 }
 
 }  // namespace
@@ -95,7 +101,7 @@ std::int32_t dbFindTruncCityIndex(const char* state, const char* name, std::int3
   const unsigned char* table = refPointers[kSlotCityNames].table;
   return trace.leave(searchTruncated(
       state, name, length, ref->get(RefControlRec::cityNamesCount), [table](std::uint32_t at) {
-        return *reinterpret_cast<const CityNameRow*>(table + std::size_t{at} * CityNameRow::size);
+        return reinterpret_cast<const CityNameRow*>(table + std::size_t{at} * CityNameRow::size);
       }));
 }
 
@@ -104,11 +110,9 @@ std::int32_t dbFindTruncCityIdxOff(const char* state, const char* name, std::int
   const RefControlRec* ref = refRecord();
   if (ref == nullptr) return -1;
   CityNameRow record{};
-  return trace.leave(searchTruncated(state, name, length, ref->get(RefControlRec::cityNamesCount),
-                                     [&](std::uint32_t at) {
-                                       readRow(ref->get(RefControlRec::cityNamesRba), at, &record);
-                                       return record;
-                                     }));
+  return trace.leave(
+      searchTruncated(state, name, length, ref->get(RefControlRec::cityNamesCount),
+                      [&](std::uint32_t at) { return readName(*ref, at, &record); }));
 }
 
 CityNameRow* dbFindTruncCityIn(const char* state, const char* name, std::int32_t length) {
@@ -128,11 +132,9 @@ CityNameRow* dbFindTruncCityOff(const char* state, const char* name, std::int32_
   const std::int32_t index = truncatedIndex(state, name, length);
   const RefControlRec* ref = refRecord();
   if (index == -1 || ref == nullptr) return nullptr;
-  return trace.leave(onlyMatch(state, name, length, index, ref->get(RefControlRec::cityNamesCount),
-                               [ref](std::uint32_t at) {
-                                 readRow(ref->get(RefControlRec::cityNamesRba), at, &nextCityName);
-                                 return &nextCityName;
-                               }));
+  return trace.leave(
+      onlyMatch(state, name, length, index, ref->get(RefControlRec::cityNamesCount),
+                [ref](std::uint32_t at) { return readName(*ref, at, &nextCityName); }));
 }
 
 }  // namespace statecut

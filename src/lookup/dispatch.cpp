@@ -30,37 +30,26 @@ UnusedLookup dbGetCountyDataFromKey = nullptr;
 UnusedLookup dbGetPattern = nullptr;
 UnusedLookup dbGetPatternKey = nullptr;
 
-namespace {
-
-LookupPointers processWide{};
-
-}  // namespace
-
-LookupPointers& lookupsOf(const ProcObj* proc) {
-  return proc == nullptr || proc->lookups == nullptr ? processWide : *proc->lookups;
-}
-
-void dbInitLookups() { dbLookupInstaller = installLookups; }
-
-// A program that calls through a lookup pointer links this file, and so need not ask for it.
-[[maybe_unused]] const bool installerSet = (dbInitLookups(), true);
+void dbInitLookups() noexcept { dbLookupInstaller = installLookups; }
 
 void installLookups(ProcObj* proc) {
-  lookupsOf(proc) = {.pfnFindFirm = dbFindFirmFirst,
-                     .pfnFindStreetKey = dbFindStreetFirst,
-                     .pfnFindStreetVar = dbFindStreetVarFirst,
-                     .pfnGetStreetNameUSPS = dbGetStreetNameUSPSFirst,
-                     .pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSFirst,
-                     .pfnFindCityIndex = dbFindCityIndexFirst,
-                     .pfnFindTruncCityIndex = dbFindTruncCityIndexFirst,
-                     .pfnGetCityUSPS = dbGetCityUSPSFirst,
-                     .pfnGetCityUSPSwc = dbGetCityUSPSFirst,
-                     .pfnSeqSearchCity = seqSearchCityFirst,
-                     .pfnGetCityPh = dbGetCityPhFirst,
-                     .pfnGetFirmName = dbGetFirmNameFirst,
-                     .pfnFindCityNameIdx = dbFindCityNameIdxFirst,
-                     .pfnFindCityPhIdx = findCityPhIdxFirst,
-                     .pfnFindStreetVarIdx = dbFindStreetVarIdxFirst};
+  if (proc != nullptr) {
+    proc->pfnFindFirm = dbFindFirmFirst;
+    proc->pfnFindStreetKey = dbFindStreetFirst;
+    proc->pfnFindStreetVar = dbFindStreetVarFirst;
+    proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPSFirst;
+    proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSFirst;
+    proc->pfnFindCityIndex = dbFindCityIndexFirst;
+    proc->pfnFindTruncCityIndex = dbFindTruncCityIndexFirst;
+    proc->pfnGetCityUSPS = dbGetCityUSPSFirst;
+    proc->pfnGetCityUSPSwc = dbGetCityUSPSFirst;
+    proc->pfnSeqSearchCity = seqSearchCityFirst;
+    proc->pfnGetCityPh = dbGetCityPhFirst;
+    proc->pfnGetFirmName = dbGetFirmNameFirst;
+    proc->pfnFindCityNameIdx = dbFindCityNameIdxFirst;
+    proc->pfnFindCityPhIdx = findCityPhIdxFirst;
+    proc->pfnFindStreetVarIdx = dbFindStreetVarIdxFirst;
+  }
   dbFindCity = dbFindCityFirst;
   dbFindTruncCity = dbFindTruncCityFirst;
   dbFindCityPh = dbFindCityPhFirst;
@@ -68,21 +57,23 @@ void installLookups(ProcObj* proc) {
 }
 
 void installInLookups(ProcObj* proc) {
-  lookupsOf(proc) = {.pfnFindFirm = dbFindFirm,
-                     .pfnFindStreetKey = dbFindStreetKey,
-                     .pfnFindStreetVar = dbFindStreetVar,
-                     .pfnGetStreetNameUSPS = dbGetStreetNameUSPS,
-                     .pfnGetStreetNameUSPSwc = dbGetStreetNameUSPS,
-                     .pfnFindCityIndex = dbFindCityHashIn,
-                     .pfnFindTruncCityIndex = dbFindTruncCityIndex,
-                     .pfnGetCityUSPS = dbGetCityUSPS,
-                     .pfnGetCityUSPSwc = dbGetCityUSPS,
-                     .pfnSeqSearchCity = seqSearchCityIn,
-                     .pfnGetCityPh = dbGetCityPh,
-                     .pfnGetFirmName = dbGetFirmName,
-                     .pfnFindCityNameIdx = dbFindCityNameIdx,
-                     .pfnFindCityPhIdx = findCityPhIdx,
-                     .pfnFindStreetVarIdx = dbFindStreetVarIdx};
+  if (proc != nullptr) {
+    proc->pfnFindFirm = dbFindFirm;
+    proc->pfnFindStreetKey = dbFindStreetKey;
+    proc->pfnFindStreetVar = dbFindStreetVar;
+    proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPS;
+    proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPS;
+    proc->pfnFindCityIndex = dbFindCityHashIn;
+    proc->pfnFindTruncCityIndex = dbFindTruncCityIndex;
+    proc->pfnGetCityUSPS = dbGetCityUSPS;
+    proc->pfnGetCityUSPSwc = dbGetCityUSPS;
+    proc->pfnSeqSearchCity = seqSearchCityIn;
+    proc->pfnGetCityPh = dbGetCityPh;
+    proc->pfnGetFirmName = dbGetFirmName;
+    proc->pfnFindCityNameIdx = dbFindCityNameIdx;
+    proc->pfnFindCityPhIdx = findCityPhIdx;
+    proc->pfnFindStreetVarIdx = dbFindStreetVarIdx;
+  }
   dbGetZipIndex = dbGetZipIndexIn;
   dbGetZipData = dbGetZipDataIn;
   dbGetZipDataFromKey = dbGetZipDataFromKeyIn;
@@ -105,21 +96,23 @@ void installInLookups(ProcObj* proc) {
 }
 
 void installOffLookups(ProcObj* proc) {
-  lookupsOf(proc) = {.pfnFindFirm = dbFindFirmOff,
-                     .pfnFindStreetKey = dbFindStreetKeyOff,
-                     .pfnFindStreetVar = dbFindStreetVar,
-                     .pfnGetStreetNameUSPS = dbGetStreetNameUSPSCacheOff,
-                     .pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSCacheOffwc,
-                     .pfnFindCityIndex = dbFindCityHashOff,
-                     .pfnFindTruncCityIndex = dbFindTruncCityIdxOff,
-                     .pfnGetCityUSPS = dbGetCityUSPSOff,
-                     .pfnGetCityUSPSwc = dbGetCityUSPSOffwc,
-                     .pfnSeqSearchCity = seqSearchCityOff,
-                     .pfnGetCityPh = dbGetCityPhOff,
-                     .pfnGetFirmName = dbGetFirmNameCacheOff,
-                     .pfnFindCityNameIdx = dbFindCityNameIdxOff,
-                     .pfnFindCityPhIdx = findCityPhIdxOff,
-                     .pfnFindStreetVarIdx = dbFindStreetVarIdxOff};
+  if (proc != nullptr) {
+    proc->pfnFindFirm = dbFindFirmOff;
+    proc->pfnFindStreetKey = dbFindStreetKeyOff;
+    proc->pfnFindStreetVar = dbFindStreetVar;
+    proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPSCacheOff;
+    proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSCacheOffwc;
+    proc->pfnFindCityIndex = dbFindCityHashOff;
+    proc->pfnFindTruncCityIndex = dbFindTruncCityIdxOff;
+    proc->pfnGetCityUSPS = dbGetCityUSPSOff;
+    proc->pfnGetCityUSPSwc = dbGetCityUSPSOffwc;
+    proc->pfnSeqSearchCity = seqSearchCityOff;
+    proc->pfnGetCityPh = dbGetCityPhOff;
+    proc->pfnGetFirmName = dbGetFirmNameCacheOff;
+    proc->pfnFindCityNameIdx = dbFindCityNameIdxOff;
+    proc->pfnFindCityPhIdx = findCityPhIdxOff;
+    proc->pfnFindStreetVarIdx = dbFindStreetVarIdxOff;
+  }
   dbGetZipIndex = dbGetZipIndexOff;
   dbGetZipData = dbGetZipDataOff;
   dbGetZipDataFromKey = dbGetZipDataFromKeyOff;

@@ -1,6 +1,7 @@
 #pragma once
-// The pointers through which the lookups are called when the variant is open. A null pointer
-// counts as holding the First variant (findStreetVartn: the In variant).
+// The pointers through which the lookups are called when the variant is open: these and the pfn
+// members of ProcObj. The lookups themselves take a null pointer for one that holds the First
+// variant (findStreetVartn: the In variant).
 
 #include "../base/procobj.h"
 #include "../lookup/cities.h"
@@ -9,25 +10,6 @@
 #include "../lookup/zip.h"
 
 namespace statecut {
-
-// The lookup members of ProcObj.
-struct LookupPointers {
-  decltype(&dbFindFirm) pfnFindFirm;
-  decltype(&dbFindStreetKey) pfnFindStreetKey;
-  FindStreetVar* pfnFindStreetVar;
-  GetName* pfnGetStreetNameUSPS;
-  GetName* pfnGetStreetNameUSPSwc;
-  decltype(&dbFindCityHashIn) pfnFindCityIndex;
-  decltype(&dbFindTruncCityIndex) pfnFindTruncCityIndex;
-  decltype(&dbGetCityUSPS) pfnGetCityUSPS;
-  decltype(&dbGetCityUSPS) pfnGetCityUSPSwc;
-  decltype(&seqSearchCityIn) pfnSeqSearchCity;
-  decltype(&dbGetCityPh) pfnGetCityPh;
-  GetName* pfnGetFirmName;
-  decltype(&dbFindCityNameIdx) pfnFindCityNameIdx;
-  decltype(&findCityPhIdx) pfnFindCityPhIdx;
-  FindStreetVarIdx* pfnFindStreetVarIdx;
-};
 
 extern decltype(&dbGetZipIndexIn) dbGetZipIndex;
 extern decltype(&dbGetZipDataIn) dbGetZipData;
@@ -57,25 +39,33 @@ extern UnusedLookup dbGetCountyDataFromKey;
 extern UnusedLookup dbGetPattern;
 extern UnusedLookup dbGetPatternKey;
 
-// Makes a successful dbOpenRefDB call installLookups. Done at start-up in every program that uses a
-// lookup pointer.
-void dbInitLookups();
+// Makes a successful dbOpenRefDB call installLookups. Including this header does it at start-up.
+void dbInitLookups() noexcept;
+[[maybe_unused]] inline const bool lookupsInitialized = (dbInitLookups(), true);
 
-// Every member of `proc` (a process-wide record when it has none), dbFindCity, dbFindTruncCity and
-// dbFindCityPh get their First variants, findStreetVartn its In variant.
+// The members of `proc`, dbFindCity, dbFindTruncCity and dbFindCityPh get their First variants,
+// findStreetVartn its In variant.
 void installLookups(ProcObj* proc);
 
 // Every pointer gets its In or its Off variant; the tables must be loaded for In.
 void installInLookups(ProcObj* proc);
 void installOffLookups(ProcObj* proc);
 
-// The members of `proc`, or the process-wide ones when it has none.
-[[nodiscard]] LookupPointers& lookupsOf(const ProcObj* proc);
+// True when the reference file could not be read, by any lookup since it was opened; *error is
+// errno of the first failure, 0 when the file became shorter. From then on every Off variant
+// answers "not found", in memory what was not loaded whole. Close the file and open it again to go
+// on.
+[[nodiscard]] bool lookupsFailed(int* error = nullptr);
 
 // The variant that a pointer stands for.
 template <typename Function>
 Function* orFirst(Function* held, Function* first) {
   return held != nullptr ? held : first;
+}
+// The same for a member of pProcObj.
+template <typename Function>
+Function* orFirst(Function* ProcObj::*member, Function* first) {
+  return orFirst(pProcObj == nullptr ? nullptr : pProcObj->*member, first);
 }
 
 }  // namespace statecut

@@ -15,9 +15,9 @@ constexpr std::int32_t kMaxKey = 40;
 
 bool firmNamesFail(ProcObj* proc) { return loadFails(kSlotFirms, dbReadFirmNames, proc); }
 
-void firmNamesOff(LookupPointers& pointers) {
-  pointers.pfnFindFirm = dbFindFirmOff;
-  pointers.pfnGetFirmName = dbGetFirmNameCacheOff;
+void firmNamesOff(ProcObj& proc) {
+  proc.pfnFindFirm = dbFindFirmOff;
+  proc.pfnGetFirmName = dbGetFirmNameCacheOff;
 }
 
 // The low 16 bits of a general delivery key; 0 when they name no entry.
@@ -39,12 +39,11 @@ std::int32_t dbFindFirmOff(const char* key, std::int32_t length, ProcObj* proc) 
 
 std::int32_t dbFindFirmFirst(const char* key, std::int32_t length, ProcObj* proc) {
   if (proc == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(proc);
-  pointers.pfnFindFirm = dbFindFirm;
-  if (firmNamesFail(proc)) firmNamesOff(pointers);
+  proc->pfnFindFirm = dbFindFirm;
+  if (firmNamesFail(proc)) firmNamesOff(*proc);
   if (loaded(kSlotFirms) && loadFails(kSlotHashTable, dbReadHashedNames, proc))
-    pointers.pfnFindFirm = dbFindFirmOff;
-  return pointers.pfnFindFirm(key, length, proc);
+    proc->pfnFindFirm = dbFindFirmOff;
+  return proc->pfnFindFirm(key, length, proc);
 }
 
 const char* dbGetFirmName(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
@@ -61,10 +60,9 @@ const char* dbGetFirmNameCacheOff(std::uint32_t offset, std::int32_t* length, Pr
 
 const char* dbGetFirmNameFirst(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
   if (proc == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(proc);
-  pointers.pfnGetFirmName = dbGetFirmName;
-  if (firmNamesFail(proc)) firmNamesOff(pointers);
-  return pointers.pfnGetFirmName(offset, length, proc);
+  proc->pfnGetFirmName = dbGetFirmName;
+  if (firmNamesFail(proc)) firmNamesOff(*proc);
+  return proc->pfnGetFirmName(offset, length, proc);
 }
 
 GeneralDeliveryRow* dbGetGenrlDelvryIn(std::uint32_t key) {
@@ -80,8 +78,8 @@ GeneralDeliveryRow* dbGetGenrlDelvryOff(std::uint32_t key) {
   const RefControlRec* ref = refRecord();
   const std::uint32_t index = generalDeliveryIndex(ref, key);
   if (index == 0) return nullptr;
-  readRow(ref->get(RefControlRec::generalDeliveryRba), index, &genDelBuff);
-  return &genDelBuff;
+  const bool read = readRow(ref->get(RefControlRec::generalDeliveryRba), index, &genDelBuff);
+  return read ? &genDelBuff : nullptr;
 }
 
 }  // namespace statecut

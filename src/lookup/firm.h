@@ -4,15 +4,12 @@
 #include <cstdint>
 
 #include "../base/procobj.h"
-#include "../lookup/street.h"
 #include "../tables/rows.h"
 
 namespace statecut {
 
 // The offset of an exact firm name, or -1 (41 bytes or more: -1).
-std::int32_t dbFindFirm(const char* key, std::int32_t length, ProcObj* proc);
-std::int32_t dbFindFirmOff(const char* key, std::int32_t length, ProcObj* proc);
-std::int32_t dbFindFirmFirst(const char* key, std::int32_t length, ProcObj* proc);
+FindKey dbFindFirm, dbFindFirmOff, dbFindFirmFirst;
 
 // The name at an offset, as the street names.
 GetName dbGetFirmName, dbGetFirmNameCacheOff, dbGetFirmNameFirst;

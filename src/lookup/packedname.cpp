@@ -17,10 +17,13 @@ const char* packedNameIn(SlotNumber slot, std::uint32_t offset, std::uint32_t by
 
 const char* packedNameOff(std::uint32_t tableRba, std::uint32_t offset, std::int32_t* length,
                           ProcObj* proc) {
-  if (!readable(refStream(proc))) return nullptr;
+  const std::uint32_t rba = tableRba + offset;
+  Stream* file = refStream(proc);
+  // The reader below tells nothing of a failure.
+  if (!readable(file) || streamSeek(file, rba) != 0) return nullptr;
   unsigned char* bytes = nullptr;
-  dbReadRefRBA(tableRba + offset, &bytes, 0, proc);
-  return bytes == nullptr ? nullptr : packedName(bytes, length);
+  dbReadRefRBA(rba, &bytes, 0, proc);
+  return lost(file) ? nullptr : packedName(bytes, length);
 }
 
 }  // namespace statecut

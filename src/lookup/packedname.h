@@ -15,7 +15,8 @@ const char* packedName(const unsigned char* at, std::int32_t* length);
 const char* packedNameIn(SlotNumber slot, std::uint32_t offset, std::uint32_t bytes,
                          std::int32_t* length);
 
-// A name on disk, of which the first 99 bytes are there until the next short read.
+// A name on disk, of which the first 99 bytes are there until the next short read; null, *length
+// untouched, when it cannot be read.
 const char* packedNameOff(std::uint32_t tableRba, std::uint32_t offset, std::int32_t* length,
                           ProcObj* proc);
 

@@ -26,8 +26,17 @@ void freeTables() {
   streetStdVariation = {};
 }
 
-// A table that came in part is none.
-bool readWhole(const Stream* file) { return readable(file) && !streamEndedEarly(file); }
+// Loads a set. False when that failed, and then nothing of it stays: a table that came in part is
+// none.
+bool loadSet(const SetReader& set, ProcObj* proc) {
+  if (!readFails(set.reader, proc) && readable(refStream(proc))) return true;
+  for (const SlotNumber slot : set.slots) {
+    freeTable(refPointers[slot].table);
+    refPointers[slot] = {};
+  }
+  if (set.set == kHashSet) dropHashMask();
+  return false;
+}
 
 std::string cannotOpen(const std::string& path) {
   return "cannot open " + path + ": " + std::strerror(errno);
@@ -113,7 +122,6 @@ bool Session::open(const SessionSettings& settings, std::string& error) {
   proc_.files = &proc_.fileRecord;
   proc_.stats = &proc_.statistics;
   proc_.options = &options_;
-  proc_.lookups = &lookups_;
   proc_.cache = &cache_;
   options_.debugSwitch = settings.trace ? 'D' : ' ';
   pProcObj = &proc_;
@@ -134,7 +142,6 @@ void Session::close() {
   if (cache_.refCache != nullptr) chFreeCache(&cache_.refCache);
   pProcObj = nullptr;
   proc_ = {};
-  lookups_ = {};
   cache_ = {};
   prepared_ = 0;
   failed_ = 0;
@@ -147,10 +154,9 @@ bool Session::prepareNew(std::uint32_t sets) {
   for (const SetReader& set : setReaders()) {
     if ((sets & set.set) == 0) continue;
     if (mode_ == LookupMode::kIn) {
-      // An empty table answers "not found".
-      if (readFails(set.reader, &proc_) || !readWhole(refStream(&proc_))) failed_ |= set.set;
+      if (!loadSet(set, &proc_)) failed_ |= set.set;
     } else if (!set.choices.empty()) {
-      const bool inMemory = !readFails(set.reader, &proc_);
+      const bool inMemory = loadSet(set, &proc_);
       for (ChooseVariant* choose : set.choices) choose(inMemory);
     }
   }

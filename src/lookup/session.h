@@ -42,8 +42,8 @@ class Session {
   void close();
 
   // Before a lookup that uses these sets. In memory: loads what was not tried before; false when
-  // a set cannot be loaded, which then stays empty. First: decides the lookups without a First
-  // variant, In when the set loads, else Off.
+  // a set cannot be loaded, of which then no table is there. First: decides the lookups without a
+  // First variant, In when the set loads, else Off.
   bool prepare(std::uint32_t sets) {
     return ((sets & ~prepared_) == 0 || prepareNew(sets & ~prepared_)) && (sets & failed_) == 0;
   }
@@ -64,7 +64,6 @@ class Session {
 
   ProcObj proc_{};
   OptionsRecord options_{};
-  LookupPointers lookups_{};
   CacheControlBlock cache_{};
   LookupMode mode_ = LookupMode::kIn;
   std::uint32_t prepared_ = 0;

@@ -17,10 +17,10 @@ constexpr std::int32_t kMaxKey = 28;
 
 bool streetNamesFail(ProcObj* proc) { return loadFails(kSlotStreetNames, dbReadStreetNames, proc); }
 
-void streetNamesOff(LookupPointers& pointers) {
-  pointers.pfnFindStreetKey = dbFindStreetKeyOff;
-  pointers.pfnGetStreetNameUSPS = dbGetStreetNameUSPSCacheOff;
-  pointers.pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSCacheOffwc;
+void streetNamesOff(ProcObj& proc) {
+  proc.pfnFindStreetKey = dbFindStreetKeyOff;
+  proc.pfnGetStreetNameUSPS = dbGetStreetNameUSPSCacheOff;
+  proc.pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSCacheOffwc;
 }
 
 }  // namespace
@@ -35,12 +35,11 @@ std::int32_t dbFindStreetKeyOff(const char* key, std::int32_t length, ProcObj* p
 
 std::int32_t dbFindStreetFirst(const char* key, std::int32_t length, ProcObj* proc) {
   if (proc == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(proc);
-  pointers.pfnFindStreetKey = dbFindStreetKey;
-  if (streetNamesFail(proc)) streetNamesOff(pointers);
+  proc->pfnFindStreetKey = dbFindStreetKey;
+  if (streetNamesFail(proc)) streetNamesOff(*proc);
   if (loaded(kSlotStreetNames) && loadFails(kSlotHashTable, dbReadHashedNames, proc))
-    pointers.pfnFindStreetKey = dbFindStreetKeyOff;
-  return pointers.pfnFindStreetKey(key, length, proc);
+    proc->pfnFindStreetKey = dbFindStreetKeyOff;
+  return proc->pfnFindStreetKey(key, length, proc);
 }
 
 const char* dbGetStreetNameUSPS(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
@@ -64,19 +63,16 @@ const char* dbGetStreetNameUSPSCacheOffwc(std::uint32_t offset, std::int32_t* le
   const RefControlRec* ref = proc->refControlRec;
   if (ref == nullptr) return nullptr;
   const std::uint32_t rba = ref->get(RefControlRec::streetNamesRba) + offset;
-  if (chGetBlockCacheData(proc->cache->refCache, refStream(proc), rba, kReadBytes, cRefBuffer,
-                          proc) == -2)
-    return nullptr;
+  if (!readCached(rba, kReadBytes, cRefBuffer, proc)) return nullptr;
   return packedName(cRefBuffer, length);
 }
 
 const char* dbGetStreetNameUSPSFirst(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
   if (proc == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(proc);
-  pointers.pfnGetStreetNameUSPS = dbGetStreetNameUSPS;
-  pointers.pfnGetStreetNameUSPSwc = dbGetStreetNameUSPS;
-  if (streetNamesFail(proc)) streetNamesOff(pointers);
-  return pointers.pfnGetStreetNameUSPS(offset, length, proc);
+  proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPS;
+  proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPS;
+  if (streetNamesFail(proc)) streetNamesOff(*proc);
+  return proc->pfnGetStreetNameUSPS(offset, length, proc);
 }
 
 void removeSpace(char* text) {

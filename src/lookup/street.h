@@ -10,20 +10,16 @@
 namespace statecut {
 
 // The offset of an exact street name, or -1 (29 bytes or more: -1).
-std::int32_t dbFindStreetKey(const char* key, std::int32_t length, ProcObj* proc);
-std::int32_t dbFindStreetKeyOff(const char* key, std::int32_t length, ProcObj* proc);
-std::int32_t dbFindStreetFirst(const char* key, std::int32_t length, ProcObj* proc);
+FindKey dbFindStreetKey, dbFindStreetKeyOff, dbFindStreetFirst;
 
 // The name at an offset, without terminator; *length is its signed length byte. On disk at most 99
-// bytes are there. Null at or behind the end of the names, *length then untouched.
-using GetName = const char*(std::uint32_t offset, std::int32_t* length, ProcObj* proc);
+// bytes are there. Null at or behind the end of the names, and when it cannot be read; *length is
+// then untouched.
 GetName dbGetStreetNameUSPS, dbGetStreetNameUSPSCacheOff, dbGetStreetNameUSPSCacheOffwc,
     dbGetStreetNameUSPSFirst;
 
 // The position of a variation in the index data of its set, or -1. The type is that of the name
 // hash: standardized 3, phonetic 4.
-using FindStreetVarIdx = std::int32_t(std::uint32_t type, const char* key, std::int32_t length,
-                                      ProcObj* proc);
 FindStreetVarIdx dbFindStreetVarIdx, dbFindStreetVarIdxOff, dbFindStreetVarIdxFirst;
 
 // Where a variation set is: the loaded tables and their lengths, or (on disk, lengths 0) the
@@ -50,10 +46,6 @@ inline constexpr std::int32_t kStandardVariation = 1;
 // The street keys of a variation, in keyList; null when there is none. `count` counts on from its
 // value. `scfCount` is at most 5; not 0 narrows to the streets of the first SCF key. *flag is
 // negative when the variation is ambiguous, untouched after a miss.
-using FindStreetVar = const std::uint32_t*(const char* key, std::int32_t length,
-                                           const std::uint16_t* scfKeys, std::int32_t scfCount,
-                                           std::int32_t kind, std::int8_t* flag,
-                                           std::int32_t* count);
 FindStreetVar dbFindStreetVar, dbFindStreetVarFirst;
 
 using FindStreetVartn = const std::uint32_t*(const StreetVariation* set, const char* key,
@@ -66,7 +58,7 @@ FindStreetVartn findStreetVartnIn, findStreetVartnOff;
 void fillStreetVariations(const ProcObj* proc, bool onDisk);
 
 // Append the streets of an ambiguous list (its bytes to the end of the table, or its RBA) to
-// keyList, which they return.
+// keyList, which they return; null, *count as it was, when the list cannot be read.
 const std::uint32_t* ambgsStreetMatch(std::span<const unsigned char> list,
                                       const std::uint16_t* scfKey, std::int32_t filter,
                                       std::int32_t* count);

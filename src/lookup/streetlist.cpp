@@ -60,8 +60,10 @@ class ListFile {
   std::uint32_t readScf() { return read<kScfBytes>(scf_); }
   void skipScfs(std::uint32_t count) { rba_ += count * static_cast<std::uint32_t>(kScfBytes); }
 
-  // True when the last read did not get all its bytes, or none at all.
-  [[nodiscard]] bool wasShort() const { return failed_ || streamEof(refStream(pProcObj)); }
+  // True when a read failed; what was read since is no list.
+  [[nodiscard]] bool failed() const { return failed_; }
+  // True when the last read did not get all its bytes.
+  [[nodiscard]] static bool wasShort() { return streamEof(refStream(pProcObj)); }
   [[nodiscard]] bool startsOverWithin(std::uint64_t bytes) const {
     return rba_ + bytes > 0xFFFFFFFFu;
   }
@@ -69,7 +71,7 @@ class ListFile {
  private:
   template <std::size_t Width>
   std::uint32_t read(std::array<unsigned char, Width>& held) {
-    failed_ = readDirect(rba_, Width, held.data()) < 0;
+    failed_ = !readDirect(rba_, Width, held.data()) || failed_;
     rba_ += static_cast<std::uint32_t>(Width);
     return le::get<Width>(held.data());
   }
@@ -139,11 +141,12 @@ const std::uint32_t* ambgsStreetMatch(std::span<const unsigned char> list,
 const std::uint32_t* ambgsStreetMatchOff(std::uint32_t rba, const std::uint16_t* scfKey,
                                          std::int32_t filter, std::int32_t* count) {
   ListFile file(rba);
+  const std::int32_t before = *count;
   const std::uint32_t entries = file.readCount();
   bool wasShort = false;
-  for (std::uint32_t i = 0; i < entries && !full(*count); ++i) {
+  for (std::uint32_t i = 0; i < entries && !full(*count) && !file.failed(); ++i) {
     const std::uint32_t key = file.readKey();
-    const bool isShort = file.wasShort();
+    const bool isShort = ListFile::wasShort();
     const std::uint8_t scfCount = file.readScfCount();
     const std::uint32_t keys = scfKeysOf(scfCount);
     if (unfiltered(filter, scfCount)) {
@@ -157,7 +160,9 @@ const std::uint32_t* ambgsStreetMatchOff(std::uint32_t rba, const std::uint16_t*
     }
     wasShort = isShort;
   }
-  return keyList.data();
+  if (!file.failed()) return keyList.data();
+  *count = before;
+  return nullptr;
 }
 
 }  // namespace statecut

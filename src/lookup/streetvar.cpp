@@ -32,8 +32,8 @@ std::int8_t flagOf(const VariationRow& entry) {
 }
 
 std::int32_t variationIndex(std::uint32_t type, const char* key, std::int32_t length) {
-  return orFirst(lookupsOf(pProcObj).pfnFindStreetVarIdx, dbFindStreetVarIdxFirst)(
-      type, key, length, pProcObj);
+  return orFirst(&ProcObj::pfnFindStreetVarIdx, dbFindStreetVarIdxFirst)(type, key, length,
+                                                                         pProcObj);
 }
 
 }  // namespace
@@ -94,14 +94,18 @@ const std::uint32_t* findStreetVartnOff(const StreetVariation* set, const char* 
   if (position == -1 || set == nullptr || set->index == nullptr || set->list == nullptr)
     return nullptr;
   VariationRow entry{};
-  readDirect(le::get<4>(set->index) + static_cast<std::uint32_t>(position), VariationRow::size,
-             &entry);
-  *flag = flagOf(entry);
+  const std::uint32_t rba = le::get<4>(set->index) + static_cast<std::uint32_t>(position);
+  if (!readDirect(rba, VariationRow::size, &entry)) return nullptr;
   const std::uint32_t value = entry.get(VariationRow::value);
-  if (*flag < 0) return ambgsStreetMatchOff(le::get<4>(set->list) + value, scfKey, filter, count);
-  *count = 0;
-  addStreetKey(value, count);
-  return keyList.data();
+  const std::uint32_t* keys = keyList.data();
+  if (flagOf(entry) < 0) {
+    keys = ambgsStreetMatchOff(le::get<4>(set->list) + value, scfKey, filter, count);
+  } else {
+    *count = 0;
+    addStreetKey(value, count);
+  }
+  if (keys != nullptr) *flag = flagOf(entry);
+  return keys;
 }
 
 }  // namespace statecut

@@ -54,11 +54,10 @@ void fillOnDisk(StreetVariation* set, const unsigned char* indexRba, const unsig
 std::int32_t dbFindStreetVarIdxFirst(std::uint32_t type, const char* key, std::int32_t length,
                                      ProcObj* proc) {
   if (proc == nullptr) return -1;
-  LookupPointers& pointers = lookupsOf(proc);
   const Failures failures = loadVariations(proc);
-  pointers.pfnFindStreetVarIdx =
+  proc->pfnFindStreetVarIdx =
       failures.sets || failures.hash ? dbFindStreetVarIdxOff : dbFindStreetVarIdx;
-  return pointers.pfnFindStreetVarIdx(type, key, length, proc);
+  return proc->pfnFindStreetVarIdx(type, key, length, proc);
 }
 
 const std::uint32_t* dbFindStreetVarFirst(const char* key, std::int32_t length,
@@ -66,15 +65,14 @@ const std::uint32_t* dbFindStreetVarFirst(const char* key, std::int32_t length,
                                           std::int32_t kind, std::int8_t* flag,
                                           std::int32_t* count) {
   if (pProcObj == nullptr) return nullptr;
-  LookupPointers& pointers = lookupsOf(pProcObj);
-  pointers.pfnFindStreetVar = dbFindStreetVar;
+  pProcObj->pfnFindStreetVar = dbFindStreetVar;
   const Failures failures = loadVariations(pProcObj);
-  pointers.pfnFindStreetVarIdx =
+  pProcObj->pfnFindStreetVarIdx =
       failures.sets || failures.hash ? dbFindStreetVarIdxOff : dbFindStreetVarIdx;
   if (failures.sets) findStreetVartn = findStreetVartnOff;
   if (findStreetVartn == nullptr) findStreetVartn = findStreetVartnIn;
   fillStreetVariations(pProcObj, findStreetVartn == findStreetVartnOff);
-  return pointers.pfnFindStreetVar(key, length, scfKeys, scfCount, kind, flag, count);
+  return pProcObj->pfnFindStreetVar(key, length, scfKeys, scfCount, kind, flag, count);
 }
 
 void fillStreetVariations(const ProcObj* proc, bool onDisk) {

@@ -3,10 +3,24 @@
 #include "dbfiles/apiutil.h"
 #include "hash/namehash.h"
 #include "lookup/cache.h"
+#include "lookup/dispatch.h"
 
 namespace statecut {
 
-bool readable(const Stream* file) { return file != nullptr && !streamError(file); }
+bool lost(const Stream* file) {
+  return file != nullptr && (streamError(file) || streamEndedEarly(file));
+}
+
+bool readable(const Stream* file) { return file != nullptr && !lost(file); }
+
+bool refLost(const ProcObj* proc) { return lost(refStream(proc)); }
+
+bool lookupsFailed(int* error) {
+  const Stream* file = refStream(pProcObj);
+  if (!lost(file)) return false;
+  if (error != nullptr) *error = streamErrno(file);
+  return true;
+}
 
 Stream* refStream(const ProcObj* proc) {
   return proc == nullptr || proc->files == nullptr ? nullptr : proc->files->reference;
@@ -19,16 +33,16 @@ std::int32_t readGuarded(Stream* file, std::uint32_t rba, std::int32_t count, vo
   return dbReadFile(file, rba, count, to, proc);
 }
 
-std::int32_t readDirect(std::uint32_t rba, std::int32_t count, void* to) {
-  return readGuarded(refStream(pProcObj), rba, count, to, pProcObj);
+bool readDirect(std::uint32_t rba, std::int32_t count, void* to, ProcObj* proc) {
+  // A read that fails half-way answers the bytes asked for.
+  return readGuarded(refStream(proc), rba, count, to, proc) != -1 && !refLost(proc);
 }
 
-bool readCached(std::uint32_t rba, std::int32_t count, void* to) {
-  if (pProcObj != nullptr && pProcObj->cache != nullptr && pProcObj->cache->refCache != nullptr)
-    return chGetBlockCacheData(pProcObj->cache->refCache, refStream(pProcObj), rba, count, to,
-                               pProcObj) != -2;
-  readDirect(rba, count, to);
-  return true;
+bool readCached(std::uint32_t rba, std::int32_t count, void* to, ProcObj* proc) {
+  if (proc == nullptr || proc->cache == nullptr || proc->cache->refCache == nullptr)
+    return readDirect(rba, count, to, proc);
+  return !refLost(proc) &&
+         chGetBlockCacheData(proc->cache->refCache, refStream(proc), rba, count, to, proc) != -2;
 }
 
 std::int32_t hashIn(const char* key, std::int32_t length, std::uint32_t type, ProcObj* proc) {

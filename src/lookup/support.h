@@ -57,18 +57,24 @@ class Trace {
 // The open reference file of `proc`, or null.
 [[nodiscard]] Stream* refStream(const ProcObj* proc);
 
-// False for a null stream and for one in error.
+// True for a stream in error, or whose file ended before the size that it had when it was opened.
+[[nodiscard]] bool lost(const Stream* file);
+// False for a null stream and for a lost one.
 [[nodiscard]] bool readable(const Stream* file);
+// True when the reference file of `proc` is lost: no Off variant answers any more.
+[[nodiscard]] bool refLost(const ProcObj* proc);
 
 // dbReadFile that also gives -1, without reading, for a stream that is not readable.
 std::int32_t readGuarded(Stream* file, std::uint32_t rba, std::int32_t count, void* to,
                          ProcObj* proc);
 
-// Read the reference file of pProcObj at `rba`. A failed or short direct read leaves the bytes as
-// they were. readCached goes through the block cache when one is built and is false when the
-// cache could not read.
-std::int32_t readDirect(std::uint32_t rba, std::int32_t count, void* to);
-[[nodiscard]] bool readCached(std::uint32_t rba, std::int32_t count, void* to);
+// Read the reference file of `proc` at `rba`, readCached through its block cache when one is built.
+// False when the file cannot be read, or could not be read before: `to` is no answer then. What
+// lies behind the end of the file is no failure and leaves the bytes of `to` as they were.
+[[nodiscard]] bool readDirect(std::uint32_t rba, std::int32_t count, void* to,
+                              ProcObj* proc = pProcObj);
+[[nodiscard]] bool readCached(std::uint32_t rba, std::int32_t count, void* to,
+                              ProcObj* proc = pProcObj);
 
 // The byte offset of an entry as file positions count: modulo 2^32.
 constexpr std::uint32_t entryRba(std::uint32_t tableRba, std::uint32_t index, std::uint32_t width) {
@@ -77,8 +83,8 @@ constexpr std::uint32_t entryRba(std::uint32_t tableRba, std::uint32_t index, st
 
 // Read entry `index` of a table of rows.
 template <typename RowType>
-void readRow(std::uint32_t tableRba, std::uint32_t index, RowType* to) {
-  readDirect(entryRba(tableRba, index, RowType::size), RowType::size, to);
+[[nodiscard]] bool readRow(std::uint32_t tableRba, std::uint32_t index, RowType* to) {
+  return readDirect(entryRba(tableRba, index, RowType::size), RowType::size, to);
 }
 template <typename RowType>
 [[nodiscard]] bool readRowCached(std::uint32_t tableRba, std::uint32_t index, RowType* to) {

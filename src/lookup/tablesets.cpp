@@ -33,19 +33,34 @@ constexpr ChooseVariant* kMultiZipChoices[] = {
 constexpr ChooseVariant* kGeneralDeliveryChoices[] = {
     choose<dbGetGenrlDelvry, dbGetGenrlDelvryIn, dbGetGenrlDelvryOff>};
 
+template <SlotNumber... Slots>
+constexpr SlotNumber kSlots[] = {Slots...};
+
 constexpr SetReader kSetReaders[] = {
-    {kZipSet, dbReadZipData, kZipChoices},
-    {kCitySet, dbReadCityData, kCityChoices},
-    {kMultiZipSet, dbReadMultiZipTable, kMultiZipChoices},
-    {kGeneralDeliverySet, dbReadGenDelivery, kGeneralDeliveryChoices},
-    {kCityNameSet, dbReadCityNames, {}},
-    {kCityPhoneticSet, dbReadCityPhonetics, {}},
-    {kStreetNameSet, dbReadStreetNames, {}},
-    {kStreetPhoneticSet, dbReadStreetPhonetics, {}},
-    {kStreetStandardSet, dbReadStreetStndrdzd, {}},
-    {kFirmSet, dbReadFirmNames, {}},
-    {kHashSet, dbReadHashedNames, {}},
-    {kZipBytesSet, dbReadBytesTables, {}}};
+    {kZipSet, dbReadZipData, kSlots<kSlotZipData, kSlotZipMultiCity, kSlotZipIndex>, kZipChoices},
+    {kCitySet, dbReadCityData,
+     kSlots<kSlotCityData, kSlotCityMultiZip, kSlotCityMultiFinance, kSlotCityMultiZipRbas,
+            kSlotFinMultiZip>,
+     kCityChoices},
+    {kMultiZipSet, dbReadMultiZipTable, kSlots<kSlotMultiZip>, kMultiZipChoices},
+    {kGeneralDeliverySet, dbReadGenDelivery, kSlots<kSlotGeneralDelivery>, kGeneralDeliveryChoices},
+    {kCityNameSet, dbReadCityNames, kSlots<kSlotCityNames>, {}},
+    {kCityPhoneticSet, dbReadCityPhonetics, kSlots<kSlotCityPhonetics>, {}},
+    {kStreetNameSet, dbReadStreetNames, kSlots<kSlotStreetNames>, {}},
+    {kStreetPhoneticSet,
+     dbReadStreetPhonetics,
+     kSlots<kSlotStreetPhoneticAmb, kSlotStreetPhonetics>,
+     {}},
+    {kStreetStandardSet,
+     dbReadStreetStndrdzd,
+     kSlots<kSlotStreetStandardAmb, kSlotStreetStandards>,
+     {}},
+    {kFirmSet, dbReadFirmNames, kSlots<kSlotFirms>, {}},
+    {kHashSet, dbReadHashedNames, kSlots<kSlotHashTable, kSlotHashOverflow>, {}},
+    {kZipBytesSet,
+     dbReadBytesTables,
+     kSlots<kSlotZipBytes, kSlotSfhMultiZipBytes, kSlotPobMultiZipBytes, kSlotRrMultiZipBytes>,
+     {}}};
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "../tables/dbapi.h"
+#include "../tables/refpointers.h"
 
 namespace statecut {
 
@@ -31,6 +32,7 @@ using ChooseVariant = void(bool inMemory);
 struct SetReader {
   std::uint32_t set;  // a TableSet
   TableReader* reader;
+  std::span<const SlotNumber> slots;        // that the reader fills
   std::span<ChooseVariant* const> choices;  // empty where lookups have First variants
 };
 

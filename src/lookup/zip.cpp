@@ -59,7 +59,7 @@ std::int32_t dbGetZipIndexOff(std::int32_t zip) {
   const RefControlRec* ref = refRecord();
   if (ref == nullptr || !validZip(zip)) return -1;
   KeyRow entry{};
-  readDirect(zipIndexRba(*ref, zip), KeyRow::size, &entry);
+  if (!readDirect(zipIndexRba(*ref, zip), KeyRow::size, &entry)) return -1;
   return trace.leave(entry.get(KeyRow::key));
 }
 
@@ -117,15 +117,17 @@ const KeyRow* dbGetCityKeysPtrIn(const ZipDataRow* zip) {
 const KeyRow* dbGetCityKeysPtrOff(const ZipDataRow* zip) {
   const Trace trace(kZipSource);
   static std::array<KeyRow, 256> buff{};
-  if (zip == nullptr) return nullptr;
+  if (zip == nullptr || refLost(pProcObj)) return nullptr;
   const std::uint32_t count = zip->get(ZipDataRow::cityKeysCount);
   if (count == 1) return trace.leave(ownCityKey(zip));
   const RefControlRec* ref = refRecord();
   const std::uint32_t index = zip->get(ZipDataRow::cityKeysIndex);
   if (ref == nullptr || index == 0 || index > ref->get(RefControlRec::zipMultiCityListsCount))
     return nullptr;
-  readDirect(entryRba(ref->get(RefControlRec::zipMultiCityListsRba), index, KeyRow::size),
-             static_cast<std::int32_t>(count * KeyRow::size), buff.data());
+  const std::uint32_t rba =
+      entryRba(ref->get(RefControlRec::zipMultiCityListsRba), index, KeyRow::size);
+  if (!readDirect(rba, static_cast<std::int32_t>(count * KeyRow::size), buff.data()))
+    return nullptr;
   return trace.leave(buff.data());
 }
 
@@ -174,19 +176,17 @@ const KeyRow* dbGetMultiZipsOff(std::uint32_t count, std::uint32_t start) {
   static std::uint16_t lastKey = 0xFFFF;
   const RefControlRec* ref = refRecord();
   const auto index = static_cast<std::uint16_t>(start);
-  if (ref == nullptr || index > ref->get(RefControlRec::multiZipListsCount)) return nullptr;
+  if (ref == nullptr || index > ref->get(RefControlRec::multiZipListsCount) || refLost(pProcObj))
+    return nullptr;
   // Keyed by the start alone: a larger count gets the list read before. Meant.
   if (index == lastKey) return trace.leave(zipListBuff.data());
   // The file offset steps by 4 an index, the address in memory by 2. Meant.
   const std::uint32_t rba = entryRba(ref->get(RefControlRec::multiZipListsRba), index, 4);
   const std::size_t bytes = std::min(count, kMultiZipsMax) * KeyRow::size;
-  auto list = zipListBuff;
+  auto list = zipListBuff;  // what a failed read leaves is no list for the calls to come
   if (!readCached(rba, static_cast<std::int32_t>(bytes), list.data())) return nullptr;
-  // What a failed read left is no list for the calls to come.
-  if (readable(refStream(pProcObj))) {
-    zipListBuff = list;
-    lastKey = index;
-  }
+  zipListBuff = list;
+  lastKey = index;
   return trace.leave(zipListBuff.data());
 }
 

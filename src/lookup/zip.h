@@ -1,6 +1,7 @@
 #pragma once
 // Lookups by ZIP code and ZIP key. In variants point into the loaded table; Off variants read the
-// reference file into a static buffer that the next call of the same function overwrites.
+// reference file into a static buffer that the next call of the same function overwrites, and find
+// nothing when the file cannot be read, or could not be read before (lookupsFailed tells).
 // A null table or control record counts as an empty table.
 
 #include <cstdint>

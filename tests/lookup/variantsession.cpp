@@ -27,7 +27,6 @@ Session::Session(const Variant& variant, const std::string& path, const Bytes& f
   proc_.files = &proc_.fileRecord;
   proc_.stats = &proc_.statistics;
   proc_.options = &options_;
-  proc_.lookups = &lookups_;
   proc_.refControlRec = &record_;
   std::copy_n(file.begin(), RefControlRec::size, record_.bytes.begin());
   proc_.files->reference = streamOpen(path.c_str(), "rb");
@@ -56,6 +55,11 @@ Session::~Session() {
   chFreeCache(&block_.refCache);
   streamClose(proc_.files->reference);
   pProcObj = nullptr;
+}
+
+void Session::reopen(const std::string& path) {
+  streamClose(proc_.files->reference);
+  proc_.files->reference = streamOpen(path.c_str(), "rb");
 }
 
 void Session::load() {

@@ -32,6 +32,7 @@ class Session {
   // As if nothing had been called yet: for first calls, no table of a First family is loaded.
   void fresh();
   std::string answer(const Call& call);
+  void reopen(const std::string& path);  // the file alone: tables and cache stay
   [[nodiscard]] const CacheControlBlock& cacheBlock() const { return block_; }
 
  private:
@@ -48,7 +49,6 @@ class Session {
   Variant variant_;
   ProcObj proc_{};
   OptionsRecord options_{};
-  LookupPointers lookups_{};
   CacheControlBlock block_{};
   RefControlRec record_{};
 };

@@ -97,26 +97,26 @@ std::string Session::cities(const Call& call) {
       return text(dbGetCityName(&key));
     }
     case Op::kCityNameCached:
-      return text(lookups_.pfnGetCityUSPSwc(call.signedA()));
+      return text(proc_.pfnGetCityUSPSwc(call.signedA()));
     case Op::kCityNameIndex:
-      return std::to_string(lookups_.pfnFindCityNameIdx(name, length, &proc_));
+      return std::to_string(proc_.pfnFindCityNameIdx(name, length, &proc_));
     case Op::kCityHash:
-      return std::to_string(lookups_.pfnFindCityIndex(state, name, length));
+      return std::to_string(proc_.pfnFindCityIndex(state, name, length));
     case Op::kFindCity:
       return text(dbFindCity(state, name, length));
     case Op::kTruncCity:
       return text(dbFindTruncCity(state, name, length));
     case Op::kTruncCityIndex:
-      return std::to_string(lookups_.pfnFindTruncCityIndex(state, name, length));
+      return std::to_string(proc_.pfnFindTruncCityIndex(state, name, length));
     case Op::kSequential:
-      return std::to_string(lookups_.pfnSeqSearchCity(state, call.name.c_str(),
-                                                      matcherOf(call.match), call.signedB()));
+      return std::to_string(
+          proc_.pfnSeqSearchCity(state, call.name.c_str(), matcherOf(call.match), call.signedB()));
     case Op::kNearest:
       return std::to_string(dbFindNearestCity(state, call.name.c_str()));
     case Op::kNext:
       return std::to_string(dbFindNextCity(state, call.name.c_str(), call.signedB()));
     case Op::kPhoneticIndex:
-      return std::to_string(lookups_.pfnFindCityPhIdx(name, length, &proc_));
+      return std::to_string(proc_.pfnFindCityPhIdx(name, length, &proc_));
     case Op::kFindPhonetic: {
       std::int32_t count = kUntouched;
       std::int32_t index = kUntouched;
@@ -124,7 +124,7 @@ std::string Session::cities(const Call& call) {
       return text(row) + named("count", count) + named("index", index);
     }
     default:
-      return text(lookups_.pfnGetCityPh(call.signedA()));
+      return text(proc_.pfnGetCityPh(call.signedA()));
   }
 }
 
@@ -162,7 +162,7 @@ std::string Session::variation(const Call& call) {
   keyList.fill(0);
   std::int8_t flag = kUntouchedFlag;
   std::int32_t count = call.signedB();
-  const std::uint32_t* keys = lookups_.pfnFindStreetVar(
+  const std::uint32_t* keys = proc_.pfnFindStreetVar(
       call.name.data(), call.nameLength(), call.scfs.data(),
       static_cast<std::int32_t>(call.scfs.size()), call.signedA(), &flag, &count);
   std::string text = keys == nullptr ? kNull : "keys";
@@ -180,19 +180,19 @@ std::string Session::streets(const Call& call) {
   };
   switch (call.op) {
     case Op::kStreetKey:
-      return std::to_string(lookups_.pfnFindStreetKey(name, length, &proc_));
+      return std::to_string(proc_.pfnFindStreetKey(name, length, &proc_));
     case Op::kStreetName:
-      return packed(lookups_.pfnGetStreetNameUSPS);
+      return packed(proc_.pfnGetStreetNameUSPS);
     case Op::kStreetNameCached:
-      return packed(lookups_.pfnGetStreetNameUSPSwc);
+      return packed(proc_.pfnGetStreetNameUSPSwc);
     case Op::kVariationIndex:
-      return std::to_string(lookups_.pfnFindStreetVarIdx(call.unsignedA(), name, length, &proc_));
+      return std::to_string(proc_.pfnFindStreetVarIdx(call.unsignedA(), name, length, &proc_));
     case Op::kVariation:
       return variation(call);
     case Op::kFirm:
-      return std::to_string(lookups_.pfnFindFirm(name, length, &proc_));
+      return std::to_string(proc_.pfnFindFirm(name, length, &proc_));
     case Op::kFirmName:
-      return packed(lookups_.pfnGetFirmName);
+      return packed(proc_.pfnGetFirmName);
     case Op::kGeneralDelivery:
       return text(dbGetGenrlDelvry(call.unsignedA()));
     default:

@@ -71,7 +71,7 @@ int runLookup(const Shape& shape, const LookupOptions& options, const Show& show
     return fail(name, failure, query::kCannotRun);
   std::ostringstream answer;
   const bool found = show(session, options, answer);
-  if (const std::string failure = query::readFailure(session); !failure.empty())
+  if (const std::string failure = query::readFailure(); !failure.empty())
     return fail(name, failure, query::kCannotRun);
   if (!found) {
     const std::string where = options.state.empty() ? "" : " in " + options.state;

@@ -69,7 +69,7 @@ std::string loadFailure(Session& session, std::uint32_t sets) {
       if (!placed(session, id).fits)
         return "cannot load " + namesOf({&id, 1}) + ": it lies outside the reference file";
     if (session.prepare(set.set)) continue;
-    const std::string reason = readFailure(session);
+    const std::string reason = readFailure();
     return "cannot load " + namesOf(set.tables) + ": " +
            (reason.empty() ? "not enough memory" : reason);
   }

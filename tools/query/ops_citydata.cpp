@@ -60,9 +60,8 @@ void cityMultiZipRba(Session&, const Args& args, Answer& answer) {
 }
 
 void phoneticIdx(Session& session, const Args& args, Answer& answer) {
-  answer.number("result",
-                lookupsOf(session.proc())
-                    .pfnFindCityPhIdx(args[0].text.data(), args[0].length(), session.proc()));
+  answer.number("result", session.proc()->pfnFindCityPhIdx(args[0].text.data(), args[0].length(),
+                                                           session.proc()));
 }
 
 void findPhonetic(Session&, const Args& args, Answer& answer) {
@@ -83,7 +82,7 @@ void findPhonetic(Session&, const Args& args, Answer& answer) {
 }
 
 void phonetic(Session& session, const Args& args, Answer& answer) {
-  answer.record("record", lookupsOf(session.proc()).pfnGetCityPh(args[0].asSigned()));
+  answer.record("record", session.proc()->pfnGetCityPh(args[0].asSigned()));
 }
 
 constexpr Parameter kName[] = {{"STATE", ArgKind::kState}, {"NAME", ArgKind::kText}};

@@ -6,7 +6,7 @@ namespace statecut::query {
 
 namespace {
 
-LookupPointers& members(Session& session) { return lookupsOf(session.proc()); }
+const ProcObj& members(Session& session) { return *session.proc(); }
 
 void cityUsps(Session& session, const Args& args, Answer& answer) {
   answer.record("record", members(session).pfnGetCityUSPS(args[0].asSigned()));

@@ -7,7 +7,7 @@ namespace statecut::query {
 
 namespace {
 
-LookupPointers& members(Session& session) { return lookupsOf(session.proc()); }
+const ProcObj& members(Session& session) { return *session.proc(); }
 
 void streetKey(Session& session, const Args& args, Answer& answer) {
   answer.number("result", members(session).pfnFindStreetKey(args[0].text.data(), args[0].length(),

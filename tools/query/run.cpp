@@ -27,8 +27,8 @@ bool refuseCount(bool decode, const Op& op, std::string& out) {
                 out);
 }
 
-// False when the answer is that there is none: lookups give what their buffers held when the file
-// cannot be read, and "not found" for a table that is not there.
+// False when the answer is that there is none: lookups say "not found" when the file cannot be
+// read, and for a table that is not there.
 bool call(Session& session, bool decode, const Op& op, const Args& args, std::string& out) {
   const std::size_t start = out.size();
   const bool loaded = session.prepare(op.sets);
@@ -36,7 +36,7 @@ bool call(Session& session, bool decode, const Op& op, const Args& args, std::st
   answer.begin(op.name);
   op.handler(session, args, answer);
   answer.end();
-  const std::string failure = readFailure(session);
+  const std::string failure = readFailure();
   if (loaded && failure.empty()) return true;
   out.resize(start);
   return refuse(decode, op.name, failure.empty() ? "cannot load its tables" : failure, out);
@@ -101,14 +101,11 @@ int failStreams(const char* what) {
 
 }  // namespace
 
-std::string readFailure(Session& session) {
-  const FileRecord* files = session.proc()->files;
-  if (files == nullptr || files->reference == nullptr) return {};
-  const bool error = streamError(files->reference);
-  if (!error && !streamEndedEarly(files->reference)) return {};
+std::string readFailure() {
+  int error = 0;
+  if (!lookupsFailed(&error)) return {};
   return std::string("cannot read the reference file: ") +
-         (error ? std::strerror(streamErrno(files->reference))
-                : "became shorter while it was read");
+         (error != 0 ? std::strerror(error) : "became shorter while it was read");
 }
 
 bool answerWords(Session& session, bool decode, std::span<const std::string> words,

@@ -15,7 +15,7 @@ inline constexpr int kFailed = 1;     // a call without an answer; not found, in
 inline constexpr int kCannotRun = 2;  // usage, files, standard streams
 
 // What is wrong when the reference file could not be read, by any call so far; else empty.
-[[nodiscard]] std::string readFailure(Session& session);
+[[nodiscard]] std::string readFailure();
 
 // Each appends one answer line to `out`; false when that is an error.
 bool answerWords(Session& session, bool decode, std::span<const std::string> words,

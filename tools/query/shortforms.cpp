@@ -121,7 +121,7 @@ bool showVariation(Session& session, const char* title, const std::string& name,
                    std::ostream& out) {
   std::int8_t flag = 0;
   std::int32_t count = 0;
-  LookupPointers& members = lookupsOf(session.proc());
+  const ProcObj& members = *session.proc();
   const std::uint32_t* keys =
       members.pfnFindStreetVar(name.c_str(), lengthOf(name), nullptr, 0, kind, &flag, &count);
   if (keys == nullptr || count == 0) return false;
@@ -133,7 +133,7 @@ bool showVariation(Session& session, const char* title, const std::string& name,
 }
 
 bool showStreetAs(Session& session, const std::string& name, std::ostream& out) {
-  LookupPointers& members = lookupsOf(session.proc());
+  const ProcObj& members = *session.proc();
   const std::int32_t key = members.pfnFindStreetKey(name.c_str(), lengthOf(name), session.proc());
   bool found = key != -1;
   if (found)
@@ -154,10 +154,9 @@ bool showZip(Session& session, std::int32_t zip, std::ostream& out) {
   for (const std::uint16_t cityKey : cityKeysOf(session, row)) {
     const CityDataRow* city = dbGetCityData(cityKey);
     const CityNameRow* name =
-        city == nullptr
-            ? nullptr
-            : lookupsOf(session.proc())
-                  .pfnGetCityUSPS(static_cast<std::int32_t>(city->get(CityDataRow::nameUsps)));
+        city == nullptr ? nullptr
+                        : session.proc()->pfnGetCityUSPS(
+                              static_cast<std::int32_t>(city->get(CityDataRow::nameUsps)));
     out << "  city      " << cityText(name) << "\n";
   }
   const ZipBytesRow* sizes =
@@ -196,7 +195,7 @@ bool showStreet(Session& session, const std::string& name, std::ostream& out) {
 
 bool showFirm(Session& session, const std::string& name, std::ostream& out) {
   return eitherCase(name, [&](const std::string& text) {
-    LookupPointers& members = lookupsOf(session.proc());
+    const ProcObj& members = *session.proc();
     const std::int32_t key = members.pfnFindFirm(text.c_str(), lengthOf(text), session.proc());
     if (key == -1) return false;
     out << "firm " << packedText(members.pfnGetFirmName, static_cast<std::uint32_t>(key), session)

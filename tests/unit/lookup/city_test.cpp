@@ -39,7 +39,7 @@ INSTANTIATE_TEST_SUITE_P(Variants, CityLookup, ::testing::Values("in", "off", "c
 
 TEST_P(CityLookup, NameByKeyAcceptsOneToTheCount) {
   start();
-  for (const auto lookup : {lookups_.pfnGetCityUSPS, lookups_.pfnGetCityUSPSwc}) {
+  for (const auto lookup : {proc_.pfnGetCityUSPS, proc_.pfnGetCityUSPSwc}) {
     EXPECT_EQ(lookup(0), nullptr);
     EXPECT_EQ(lookup(-1), nullptr);
     EXPECT_EQ(lookup(8), nullptr);
@@ -52,10 +52,10 @@ TEST_P(CityLookup, NameByKeyAcceptsOneToTheCount) {
 
 TEST_P(CityLookup, ExactNameIsFoundInItsStateOnly) {
   start();
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", "AUSTIN", 6), 2);
-  EXPECT_EQ(lookups_.pfnFindCityIndex("AZ", "AUSTIN", 6), -1);
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", "AUSTIN", 5), -1);
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", "AUSTIN", -1), -1);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", "AUSTIN", 6), 2);
+  EXPECT_EQ(proc_.pfnFindCityIndex("AZ", "AUSTIN", 6), -1);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", "AUSTIN", 5), -1);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", "AUSTIN", -1), -1);
   EXPECT_EQ(found("TX", "SPRINGFIELD"), "SPRINGFIELD");
   EXPECT_EQ(found("TX", "NOWHERE"), "null");
 }
@@ -67,10 +67,10 @@ TEST_P(CityLookup, HashKeysAbove30BytesAreNotLookedUp) {
   word(RefControlRec::cityNamesRba.at, rba);
   named("TX" + name, 2, 0);
   start();
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", name.c_str(), 28), 0);
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", (name + "N").c_str(), 29), -1);
-  EXPECT_EQ(lookups_.pfnFindCityNameIdx(("TX" + name).c_str(), 30, &proc_), 0);
-  EXPECT_EQ(lookups_.pfnFindCityNameIdx(("TX" + name + "N").c_str(), 31, &proc_), -1);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", name.c_str(), 28), 0);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", (name + "N").c_str(), 29), -1);
+  EXPECT_EQ(proc_.pfnFindCityNameIdx(("TX" + name).c_str(), 30, &proc_), 0);
+  EXPECT_EQ(proc_.pfnFindCityNameIdx(("TX" + name + "N").c_str(), 31, &proc_), -1);
 }
 
 TEST_P(CityLookup, TruncatedNameMustFitOneRecord) {
@@ -81,9 +81,9 @@ TEST_P(CityLookup, TruncatedNameMustFitOneRecord) {
   EXPECT_EQ(truncated("TX", "ZAVALLA"), "ZAVALLA");
   EXPECT_EQ(truncated("TX", "WACOX"), "null") << "longer than the name";
   EXPECT_EQ(truncated("TX", "B"), "null");
-  EXPECT_EQ(lookups_.pfnFindTruncCityIndex("TX", "A", 0), -1);
-  EXPECT_EQ(lookups_.pfnFindTruncCityIndex("TX", "A", -3), -1);
-  EXPECT_EQ(lookups_.pfnFindTruncCityIndex("TX", "WAC", 3), 5);
+  EXPECT_EQ(proc_.pfnFindTruncCityIndex("TX", "A", 0), -1);
+  EXPECT_EQ(proc_.pfnFindTruncCityIndex("TX", "A", -3), -1);
+  EXPECT_EQ(proc_.pfnFindTruncCityIndex("TX", "WAC", 3), 5);
 }
 
 TEST_P(CityLookup, RecordAtPositionZeroIsNeverARival) {
@@ -100,7 +100,7 @@ TEST_P(CityLookup, RecordAtPositionZeroIsNeverARival) {
 
 TEST_P(CityLookup, SequentialSearchGoesOnBehindAMatch) {
   start();
-  const auto search = lookups_.pfnSeqSearchCity;
+  const auto search = proc_.pfnSeqSearchCity;
   EXPECT_EQ(search("TX", "SPRING", startsWith, 0), 4);
   EXPECT_EQ(search("TX", "SPRING", startsWith, 4), 5);
   EXPECT_EQ(search("TX", "SPRING", startsWith, 5), -1);
@@ -242,10 +242,10 @@ TEST_P(CityLookup, PhoneticCodesAbove19CharactersAreNotFound) {
 
 TEST_P(CityLookup, PhoneticRecordByIndex) {
   start();
-  EXPECT_EQ(lookups_.pfnGetCityPh(0), nullptr);
-  EXPECT_EQ(lookups_.pfnGetCityPh(4), nullptr);
-  ASSERT_NE(lookups_.pfnGetCityPh(2), nullptr);
-  EXPECT_EQ(lookups_.pfnGetCityPh(2)->get(CityPhoneticRow::keyLength), 2u);
+  EXPECT_EQ(proc_.pfnGetCityPh(0), nullptr);
+  EXPECT_EQ(proc_.pfnGetCityPh(4), nullptr);
+  ASSERT_NE(proc_.pfnGetCityPh(2), nullptr);
+  EXPECT_EQ(proc_.pfnGetCityPh(2)->get(CityPhoneticRow::keyLength), 2u);
 }
 
 using CityLookups = SmallDatabase;
@@ -326,8 +326,8 @@ TEST_F(CityLookups, TraceHasItsExceptions) {
   std::int32_t count = 0;
   std::int32_t index = 0;
   dbFindCityPh("TX", "WK", 2, &count, &index);
-  lookups_.pfnFindStreetKey("BETA", 4, &proc_);
-  lookups_.pfnFindFirm("ACME", 4, &proc_);
+  proc_.pfnFindStreetKey("BETA", 4, &proc_);
+  proc_.pfnFindFirm("ACME", 4, &proc_);
   EXPECT_EQ(records(), Lines{}) << "phonetic, street and firm lookups write none";
 }
 

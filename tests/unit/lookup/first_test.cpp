@@ -15,16 +15,16 @@ class FirstCall : public SmallDatabase {
     installLookups(&proc_);
   }
   bool namesOff() const {
-    return lookups_.pfnFindCityIndex == dbFindCityHashOff &&
-           lookups_.pfnFindTruncCityIndex == dbFindTruncCityIdxOff &&
-           lookups_.pfnGetCityUSPS == dbGetCityUSPSOff &&
-           lookups_.pfnGetCityUSPSwc == dbGetCityUSPSOffwc &&
-           lookups_.pfnSeqSearchCity == seqSearchCityOff && dbFindCity == dbFindCityOff &&
+    return proc_.pfnFindCityIndex == dbFindCityHashOff &&
+           proc_.pfnFindTruncCityIndex == dbFindTruncCityIdxOff &&
+           proc_.pfnGetCityUSPS == dbGetCityUSPSOff &&
+           proc_.pfnGetCityUSPSwc == dbGetCityUSPSOffwc &&
+           proc_.pfnSeqSearchCity == seqSearchCityOff && dbFindCity == dbFindCityOff &&
            dbFindTruncCity == dbFindTruncCityOff;
   }
   const std::uint32_t* variation(const char* name) {
     count_ = 0;
-    return lookups_.pfnFindStreetVar(name, 2, nullptr, 0, 0, &flag_, &count_);
+    return proc_.pfnFindStreetVar(name, 2, nullptr, 0, 0, &flag_, &count_);
   }
   std::int8_t flag_ = 0;
   std::int32_t count_ = 0;
@@ -37,12 +37,12 @@ TEST_F(FirstCall, OpeningInstallsTheFirstVariants) {
   const std::string file = path("city.dir");
   dbInitLookups();
   ASSERT_EQ(dbOpenRefDB(&proc_, path("missing").c_str()), nullptr);
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, nullptr);
+  EXPECT_EQ(proc_.pfnGetCityUSPS, nullptr);
   Stream* stream = dbOpenRefDB(&proc_, file.c_str());
   ASSERT_NE(stream, nullptr);
   streamClose(stream);
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, dbGetCityUSPSFirst);
-  EXPECT_EQ(lookups_.pfnFindStreetVar, dbFindStreetVarFirst);
+  EXPECT_EQ(proc_.pfnGetCityUSPS, dbGetCityUSPSFirst);
+  EXPECT_EQ(proc_.pfnFindStreetVar, dbFindStreetVarFirst);
   EXPECT_EQ(dbFindCity, dbFindCityFirst);
   EXPECT_EQ(dbFindTruncCity, dbFindTruncCityFirst);
   EXPECT_EQ(dbFindCityPh, dbFindCityPhFirst);
@@ -53,80 +53,74 @@ TEST_F(FirstCall, OpeningInstallsTheFirstVariants) {
 TEST_F(FirstCall, NullPointersCountAsFirst) {
   open();
   EXPECT_EQ(nameOf(dbFindCityIn("TX", "AUSTIN", 6)), "AUSTIN");
-  EXPECT_EQ(lookups_.pfnFindCityIndex, dbFindCityHashIn);
+  EXPECT_EQ(proc_.pfnFindCityIndex, dbFindCityHashIn);
   const std::uint32_t key = 2;
   EXPECT_EQ(nameOf(dbGetCityName(&key)), "AUSTIN");
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, dbGetCityUSPS);
-}
-
-TEST_F(FirstCall, WithoutMembersTheProcessWideOnesServe) {
-  open();
-  proc_.lookups = nullptr;
-  EXPECT_EQ(nameOf(dbFindCityIn("TX", "AUSTIN", 6)), "AUSTIN");
+  EXPECT_EQ(proc_.pfnGetCityUSPS, dbGetCityUSPS);
 }
 
 TEST_F(FirstCall, NameByKeyLoadsAndSwitchesItsPair) {
   start();
-  EXPECT_EQ(nameOf(lookups_.pfnGetCityUSPSwc(2)), "AUSTIN");
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, dbGetCityUSPS);
-  EXPECT_EQ(lookups_.pfnGetCityUSPSwc, dbGetCityUSPS);
-  EXPECT_EQ(lookups_.pfnSeqSearchCity, seqSearchCityFirst);
+  EXPECT_EQ(nameOf(proc_.pfnGetCityUSPSwc(2)), "AUSTIN");
+  EXPECT_EQ(proc_.pfnGetCityUSPS, dbGetCityUSPS);
+  EXPECT_EQ(proc_.pfnGetCityUSPSwc, dbGetCityUSPS);
+  EXPECT_EQ(proc_.pfnSeqSearchCity, seqSearchCityFirst);
   EXPECT_NE(refPointers[kSlotCityNames].table, nullptr);
 }
 
 TEST_F(FirstCall, NamesThatCannotBeAllocatedSwitchTheFamilyToDisk) {
   word(RefControlRec::cityNamesCount.at, kTooMany);
   start();
-  EXPECT_EQ(nameOf(lookups_.pfnGetCityUSPS(2)), "AUSTIN");
+  EXPECT_EQ(nameOf(proc_.pfnGetCityUSPS(2)), "AUSTIN");
   EXPECT_TRUE(namesOff());
-  EXPECT_EQ(lookups_.pfnFindCityNameIdx, dbFindCityNameIdxFirst);
+  EXPECT_EQ(proc_.pfnFindCityNameIdx, dbFindCityNameIdxFirst);
 }
 
 TEST_F(FirstCall, EveryMemberOfTheNamesFamilySwitchesItToDisk) {
   word(RefControlRec::cityNamesCount.at, kTooMany);
   start();
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", "AUSTIN", 6), 2);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", "AUSTIN", 6), 2);
   EXPECT_TRUE(namesOff());
   installLookups(&proc_);
-  lookups_.pfnFindTruncCityIndex("TX", "AUSTIN", 6);
+  proc_.pfnFindTruncCityIndex("TX", "AUSTIN", 6);
   EXPECT_TRUE(namesOff());
   installLookups(&proc_);
-  EXPECT_EQ(lookups_.pfnSeqSearchCity("TX", "AUSTIN", startsWith, 0), 3);
+  EXPECT_EQ(proc_.pfnSeqSearchCity("TX", "AUSTIN", startsWith, 0), 3);
   EXPECT_TRUE(namesOff());
   installLookups(&proc_);
   dbFindTruncCity("TX", "AUSTIN", 6);
   EXPECT_TRUE(namesOff());
   installLookups(&proc_);
-  EXPECT_EQ(lookups_.pfnFindCityNameIdx("TXAUSTIN", 8, &proc_), 2);
+  EXPECT_EQ(proc_.pfnFindCityNameIdx("TXAUSTIN", 8, &proc_), 2);
   EXPECT_TRUE(namesOff());
-  EXPECT_EQ(lookups_.pfnFindCityNameIdx, dbFindCityNameIdxOff);
+  EXPECT_EQ(proc_.pfnFindCityNameIdx, dbFindCityNameIdxOff);
 }
 
 TEST_F(FirstCall, FailedReadSwitchesToDiskButALaterFirstCallTakesTheUnreadTable) {
   start();
   proc_.files->reference = unseekable();
-  lookups_.pfnGetCityUSPS(2);
+  proc_.pfnGetCityUSPS(2);
   EXPECT_TRUE(namesOff());
   EXPECT_NE(refPointers[kSlotCityNames].table, nullptr);
   dbGetCityUSPSFirst(2);
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, dbGetCityUSPS);
+  EXPECT_EQ(proc_.pfnGetCityUSPS, dbGetCityUSPS);
 }
 
 TEST_F(FirstCall, NamesWithoutAnIndexAreSearchedOnDisk) {
   start();
   const std::uint32_t slots = record().get(RefControlRec::hashOverflowCount);
   record().set(RefControlRec::hashOverflowCount, 0x40000000);  // not allocated
-  EXPECT_EQ(lookups_.pfnFindCityIndex("TX", "AUSTIN", 6), 2);
-  EXPECT_EQ(lookups_.pfnFindCityIndex, dbFindCityHashOff);
-  EXPECT_EQ(lookups_.pfnFindCityNameIdx, dbFindCityNameIdxOff);
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, dbGetCityUSPSFirst);
+  EXPECT_EQ(proc_.pfnFindCityIndex("TX", "AUSTIN", 6), 2);
+  EXPECT_EQ(proc_.pfnFindCityIndex, dbFindCityHashOff);
+  EXPECT_EQ(proc_.pfnFindCityNameIdx, dbFindCityNameIdxOff);
+  EXPECT_EQ(proc_.pfnGetCityUSPS, dbGetCityUSPSFirst);
   EXPECT_EQ(refPointers[kSlotHashTable].table, nullptr);
   record().set(RefControlRec::hashOverflowCount, slots);
 }
 
 TEST_F(FirstCall, FindCityDoesNotLoadItsTable) {
   start();
-  lookups_.pfnFindCityIndex = dbFindCityHashOff;
+  proc_.pfnFindCityIndex = dbFindCityHashOff;
   EXPECT_EQ(nameOf(dbFindCity("TX", "AUSTIN", 6)), "AUSTIN");
   EXPECT_EQ(dbFindCity, dbFindCityOff);
   EXPECT_EQ(refPointers[kSlotCityNames].table, nullptr);
@@ -147,83 +141,83 @@ TEST_F(FirstCall, PhoneticsLoadOrGoToDisk) {
   start();
   ASSERT_NE(dbFindCityPh("TX", "WK", 2, &count_, &index_), nullptr);
   EXPECT_EQ(dbFindCityPh, dbFindCityPhIn);
-  EXPECT_EQ(lookups_.pfnFindCityPhIdx, findCityPhIdx);
-  EXPECT_EQ(lookups_.pfnGetCityPh, dbGetCityPhFirst);
-  ASSERT_NE(lookups_.pfnGetCityPh(1), nullptr);
-  EXPECT_EQ(lookups_.pfnGetCityPh, dbGetCityPh);
+  EXPECT_EQ(proc_.pfnFindCityPhIdx, findCityPhIdx);
+  EXPECT_EQ(proc_.pfnGetCityPh, dbGetCityPhFirst);
+  ASSERT_NE(proc_.pfnGetCityPh(1), nullptr);
+  EXPECT_EQ(proc_.pfnGetCityPh, dbGetCityPh);
 
   emptySlots();
   installLookups(&proc_);
   record().set(RefControlRec::cityPhoneticsCount, kTooMany);
   ASSERT_NE(dbFindCityPh("TX", "WK", 2, &count_, &index_), nullptr);
   EXPECT_EQ(dbFindCityPh, dbFindCityPhOff);
-  EXPECT_EQ(lookups_.pfnFindCityPhIdx, findCityPhIdxOff);
-  EXPECT_EQ(lookups_.pfnGetCityPh, dbGetCityPhOff);
+  EXPECT_EQ(proc_.pfnFindCityPhIdx, findCityPhIdxOff);
+  EXPECT_EQ(proc_.pfnGetCityPh, dbGetCityPhOff);
   installLookups(&proc_);
-  EXPECT_EQ(lookups_.pfnFindCityPhIdx("TXWK", 4, &proc_), 2);
+  EXPECT_EQ(proc_.pfnFindCityPhIdx("TXWK", 4, &proc_), 2);
   EXPECT_EQ(dbFindCityPh, dbFindCityPhOff);
   installLookups(&proc_);
-  ASSERT_NE(lookups_.pfnGetCityPh(1), nullptr);
-  EXPECT_EQ(lookups_.pfnFindCityPhIdx, findCityPhIdxOff);
+  ASSERT_NE(proc_.pfnGetCityPh(1), nullptr);
+  EXPECT_EQ(proc_.pfnFindCityPhIdx, findCityPhIdxOff);
 }
 
 TEST_F(FirstCall, PhoneticsWithoutAnIndexSwitchTheIndexAlone) {
   start();
   record().set(RefControlRec::hashTableCount, 0x80000000);
   dbFindCityPh("TX", "WK", 2, &count_, &index_);
-  EXPECT_EQ(lookups_.pfnFindCityPhIdx, findCityPhIdxOff);
+  EXPECT_EQ(proc_.pfnFindCityPhIdx, findCityPhIdxOff);
   EXPECT_EQ(dbFindCityPh, dbFindCityPhIn);
 }
 
 TEST_F(FirstCall, StreetNamesLoadOrGoToDisk) {
   start();
-  EXPECT_EQ(lookups_.pfnFindStreetKey("BETA", 4, &proc_), 6);
-  EXPECT_EQ(lookups_.pfnFindStreetKey, dbFindStreetKey);
-  ASSERT_NE(lookups_.pfnGetStreetNameUSPSwc(0, &length_, &proc_), nullptr);
-  EXPECT_EQ(lookups_.pfnGetStreetNameUSPS, dbGetStreetNameUSPS);
-  EXPECT_EQ(lookups_.pfnGetStreetNameUSPSwc, dbGetStreetNameUSPS);
+  EXPECT_EQ(proc_.pfnFindStreetKey("BETA", 4, &proc_), 6);
+  EXPECT_EQ(proc_.pfnFindStreetKey, dbFindStreetKey);
+  ASSERT_NE(proc_.pfnGetStreetNameUSPSwc(0, &length_, &proc_), nullptr);
+  EXPECT_EQ(proc_.pfnGetStreetNameUSPS, dbGetStreetNameUSPS);
+  EXPECT_EQ(proc_.pfnGetStreetNameUSPSwc, dbGetStreetNameUSPS);
 
   const auto off = [&] {
-    return lookups_.pfnFindStreetKey == dbFindStreetKeyOff &&
-           lookups_.pfnGetStreetNameUSPS == dbGetStreetNameUSPSCacheOff &&
-           lookups_.pfnGetStreetNameUSPSwc == dbGetStreetNameUSPSCacheOffwc;
+    return proc_.pfnFindStreetKey == dbFindStreetKeyOff &&
+           proc_.pfnGetStreetNameUSPS == dbGetStreetNameUSPSCacheOff &&
+           proc_.pfnGetStreetNameUSPSwc == dbGetStreetNameUSPSCacheOffwc;
   };
   emptySlots();
   record().set(RefControlRec::streetNamesBytes, 0x80000000);
   installLookups(&proc_);
-  EXPECT_EQ(lookups_.pfnFindStreetKey("BETA", 4, &proc_), 6);
+  EXPECT_EQ(proc_.pfnFindStreetKey("BETA", 4, &proc_), 6);
   EXPECT_TRUE(off());
   installLookups(&proc_);
-  ASSERT_NE(lookups_.pfnGetStreetNameUSPS(6, &length_, &proc_), nullptr);
+  ASSERT_NE(proc_.pfnGetStreetNameUSPS(6, &length_, &proc_), nullptr);
   EXPECT_EQ(length_, 4);
   EXPECT_TRUE(off());
 }
 
 TEST_F(FirstCall, FirmsLoadOrGoToDisk) {
   start();
-  EXPECT_EQ(lookups_.pfnFindFirm("ACME", 4, &proc_), 0);
-  EXPECT_EQ(lookups_.pfnFindFirm, dbFindFirm);
-  EXPECT_EQ(lookups_.pfnGetFirmName, dbGetFirmNameFirst);
-  ASSERT_NE(lookups_.pfnGetFirmName(0, &length_, &proc_), nullptr);
-  EXPECT_EQ(lookups_.pfnGetFirmName, dbGetFirmName);
+  EXPECT_EQ(proc_.pfnFindFirm("ACME", 4, &proc_), 0);
+  EXPECT_EQ(proc_.pfnFindFirm, dbFindFirm);
+  EXPECT_EQ(proc_.pfnGetFirmName, dbGetFirmNameFirst);
+  ASSERT_NE(proc_.pfnGetFirmName(0, &length_, &proc_), nullptr);
+  EXPECT_EQ(proc_.pfnGetFirmName, dbGetFirmName);
 
   emptySlots();
   record().set(RefControlRec::firmsBytes, 0x80000000);
   installLookups(&proc_);
-  EXPECT_EQ(lookups_.pfnFindFirm("ACME", 4, &proc_), 0);
-  EXPECT_EQ(lookups_.pfnFindFirm, dbFindFirmOff);
-  EXPECT_EQ(lookups_.pfnGetFirmName, dbGetFirmNameCacheOff);
+  EXPECT_EQ(proc_.pfnFindFirm("ACME", 4, &proc_), 0);
+  EXPECT_EQ(proc_.pfnFindFirm, dbFindFirmOff);
+  EXPECT_EQ(proc_.pfnGetFirmName, dbGetFirmNameCacheOff);
   installLookups(&proc_);
-  ASSERT_NE(lookups_.pfnGetFirmName(0, &length_, &proc_), nullptr);
-  EXPECT_EQ(lookups_.pfnFindFirm, dbFindFirmOff);
+  ASSERT_NE(proc_.pfnGetFirmName(0, &length_, &proc_), nullptr);
+  EXPECT_EQ(proc_.pfnFindFirm, dbFindFirmOff);
 }
 
 TEST_F(FirstCall, VariationsLoadBothSets) {
   start();
   ASSERT_NE(variation("BT"), nullptr);
   EXPECT_EQ(count_, 3);
-  EXPECT_EQ(lookups_.pfnFindStreetVar, dbFindStreetVar);
-  EXPECT_EQ(lookups_.pfnFindStreetVarIdx, dbFindStreetVarIdx);
+  EXPECT_EQ(proc_.pfnFindStreetVar, dbFindStreetVar);
+  EXPECT_EQ(proc_.pfnFindStreetVarIdx, dbFindStreetVarIdx);
   EXPECT_EQ(findStreetVartn, findStreetVartnIn);
   EXPECT_EQ(streetPhnVariation.index, refPointers[kSlotStreetPhonetics].table);
   EXPECT_EQ(streetStdVariation.list, refPointers[kSlotStreetStandardAmb].table);
@@ -236,7 +230,7 @@ TEST_F(FirstCall, FailedPhoneticSetSendsVariationsToDisk) {
   ASSERT_NE(variation("BT"), nullptr);
   EXPECT_EQ(count_, 3);
   EXPECT_EQ(findStreetVartn, findStreetVartnOff);
-  EXPECT_EQ(lookups_.pfnFindStreetVarIdx, dbFindStreetVarIdxOff);
+  EXPECT_EQ(proc_.pfnFindStreetVarIdx, dbFindStreetVarIdxOff);
   EXPECT_EQ(streetPhnVariation.index, record().bytes.data() + 92);
   EXPECT_EQ(streetPhnVariation.list, record().bytes.data() + 88);
   EXPECT_EQ(streetStdVariation.index, record().bytes.data() + 104);
@@ -247,8 +241,8 @@ TEST_F(FirstCall, FailedPhoneticSetSendsVariationsToDisk) {
 TEST_F(FirstCall, FailedStandardSetReleasesThePhoneticSet) {
   start();
   record().set(RefControlRec::streetStandardsBytes, 0x80000000);
-  EXPECT_EQ(lookups_.pfnFindStreetVarIdx(4, "BT", 2, &proc_), 7);
-  EXPECT_EQ(lookups_.pfnFindStreetVarIdx, dbFindStreetVarIdxOff);
+  EXPECT_EQ(proc_.pfnFindStreetVarIdx(4, "BT", 2, &proc_), 7);
+  EXPECT_EQ(proc_.pfnFindStreetVarIdx, dbFindStreetVarIdxOff);
   EXPECT_EQ(refPointers[kSlotStreetPhonetics].table, nullptr);
   EXPECT_EQ(refPointers[kSlotStreetPhoneticAmb].table, nullptr);
   EXPECT_EQ(refPointers[kSlotHashTable].table, nullptr) << "the third stage is not reached";
@@ -259,7 +253,7 @@ TEST_F(FirstCall, VariationsWithoutAnIndexSwitchTheIndexAlone) {
   start();
   record().set(RefControlRec::hashTableCount, 0x80000000);
   variation("BT");
-  EXPECT_EQ(lookups_.pfnFindStreetVarIdx, dbFindStreetVarIdxOff);
+  EXPECT_EQ(proc_.pfnFindStreetVarIdx, dbFindStreetVarIdxOff);
   EXPECT_EQ(findStreetVartn, findStreetVartnIn);
 }
 
@@ -271,7 +265,7 @@ TEST_F(FirstCall, NullProcessingObjectDecidesNothing) {
   EXPECT_EQ(dbGetCityUSPSFirst(1), nullptr);
   EXPECT_EQ(dbFindCityFirst("TX", "AUSTIN", 6), nullptr);
   pProcObj = &proc_;
-  EXPECT_EQ(lookups_.pfnGetCityUSPS, dbGetCityUSPSFirst);
+  EXPECT_EQ(proc_.pfnGetCityUSPS, dbGetCityUSPSFirst);
 }
 
 }  // namespace

@@ -53,7 +53,6 @@ Pack phonetic(std::string_view state, std::string_view code, std::uint32_t count
 
 LookupBench::LookupBench() {
   emptySlots();
-  proc_.lookups = &lookups_;
   dbGetZipIndex = nullptr;
   dbFindCity = nullptr;
   dbFindTruncCity = nullptr;

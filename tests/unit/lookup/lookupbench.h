@@ -54,7 +54,6 @@ class LookupBench : public LogFixture {
   RefControlRec& record() { return *proc_.refControlRec; }
 
   Bytes file_ = Bytes(844);
-  LookupPointers lookups_{};
   CacheControlBlock block_{};
 
  private:

@@ -2,8 +2,11 @@
 
 #include <statecut/session.h>
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 
+#include "dbfiles/apiutil.h"
 #include "lookupbench.h"
 
 namespace statecut::test {
@@ -41,12 +44,12 @@ TEST_F(SessionTest, AnswersAreTheSameInEveryMode) {
     EXPECT_EQ(nameOf(dbFindCity("TX", "AUSTIN", 6)), "AUSTIN");
     EXPECT_EQ(dbFindCity("TX", "AUST", 4), nullptr);
     EXPECT_EQ(dbGetCityData(2)->get(CityDataRow::nameUsps), 2u);
-    EXPECT_EQ(session_.proc()->lookups->pfnFindFirm("ACME", 4, session_.proc()), 0);
+    EXPECT_EQ(session_.proc()->pfnFindFirm("ACME", 4, session_.proc()), 0);
     EXPECT_NE(dbGetGenrlDelvry(1), nullptr);
     std::int8_t flag = 0;
     std::int32_t count = 0;
-    const std::uint32_t* streets = session_.proc()->lookups->pfnFindStreetVar(
-        "MAIN", 4, nullptr, 0, kStandardVariation, &flag, &count);
+    const std::uint32_t* streets =
+        session_.proc()->pfnFindStreetVar("MAIN", 4, nullptr, 0, kStandardVariation, &flag, &count);
     ASSERT_NE(streets, nullptr);
     EXPECT_EQ(streets[0], 42u);
   }
@@ -111,6 +114,69 @@ TEST_F(SessionOfUnloadable, InMemoryRefusesATableThatCannotBeLoaded) {
   EXPECT_FALSE(session_.prepare(kZipSet | kCityNameSet));
   EXPECT_EQ(dbGetZipIndex(73301), -1);
   EXPECT_TRUE(session_.prepare(kCitySet));
+}
+
+TEST_F(SessionOfUnloadable, NothingOfASetThatFailedIsKept) {
+  word(RefControlRec::zipDataCount.at, 5);
+  word(RefControlRec::cityMultiZipRbasCount.at, 0xFFFFFFFF);  // the fourth table of its set
+  settings_.ref = write("fourth.dir", file_);
+  settings_.sets = kCityNameSet;
+  for (const LookupMode mode : {LookupMode::kIn, LookupMode::kFirst}) {
+    settings_.mode = mode;
+    ASSERT_TRUE(opens()) << error_;
+    EXPECT_EQ(session_.prepare(kCitySet), mode == LookupMode::kFirst);
+    for (const SlotNumber slot : {kSlotCityData, kSlotCityMultiZip, kSlotCityMultiFinance,
+                                  kSlotCityMultiZipRbas, kSlotFinMultiZip})
+      EXPECT_EQ(refPointers[slot].table, nullptr) << slot;
+    EXPECT_EQ(dbGetCityData(1) == nullptr, mode == LookupMode::kIn);
+  }
+}
+
+TEST_F(SessionTest, ASetThatCouldNotBeReadLeavesNoVariation) {
+  settings_.sets = kHashSet | kStreetStandardSet;
+  ASSERT_TRUE(opens()) << error_;
+  ASSERT_NE(streetStdVariation.index, nullptr);
+  Stream* sound = session_.proc()->files->reference;
+  session_.proc()->files->reference = unreadable();
+  EXPECT_FALSE(session_.prepare(kStreetPhoneticSet));
+  session_.proc()->files->reference = sound;
+  EXPECT_EQ(refPointers[kSlotStreetPhonetics].table, nullptr);
+  EXPECT_EQ(refPointers[kSlotStreetPhoneticAmb].table, nullptr);
+  EXPECT_EQ(streetPhnVariation.index, nullptr);
+  EXPECT_EQ(streetPhnVariation.list, nullptr);
+  EXPECT_NE(streetStdVariation.index, nullptr) << "loaded before";
+  std::int8_t flag = 0;
+  std::int32_t count = 0;
+  EXPECT_EQ(
+      session_.proc()->pfnFindStreetVar("MN", 2, nullptr, 0, kPhoneticVariation, &flag, &count),
+      nullptr);
+}
+
+// Every order of the two close functions of the library and the session's, each called twice.
+TEST_F(SessionTest, FilesAreClosedOnceInEveryOrder) {
+  Bytes range(RngControlRec::size);
+  putWord(range, RngControlRec::typeFlags.at, kTypeRange);
+  settings_.rng = write("zip4us.dir", range);
+  settings_.mode = LookupMode::kOff;
+  std::array order = {0, 0, 1, 1, 2, 2};
+  do {
+    ASSERT_TRUE(opens()) << error_;
+    ASSERT_EQ(dbGetZipIndex(73301), 2);
+    for (const int step : order) {
+      if (step == 0) dbCloseRefDB();
+      if (step == 1) {
+        EXPECT_EQ(dbCloseRangeDB(), 0);
+      }
+      if (step == 2) session_.close();
+      if (pProcObj != nullptr && step == 0) {
+        EXPECT_EQ(dbGetZipIndex(73301), -1) << "closed";
+        int error = 0;
+        EXPECT_TRUE(lookupsFailed(&error));
+        EXPECT_EQ(error, EBADF);
+      }
+    }
+    EXPECT_EQ(pProcObj, nullptr);
+  } while (std::next_permutation(order.begin(), order.end()));
 }
 
 TEST_F(SessionOfUnloadable, FirstTakesTheOffVariantOfATableThatCannotBeLoaded) {

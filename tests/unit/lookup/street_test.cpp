@@ -21,9 +21,8 @@ class StreetLookup : public SmallDatabase, public ::testing::WithParamInterface<
   // The keys of a variation; `count` goes in and out.
   Keys variation(const char* name, const std::vector<std::uint16_t>& scfs, std::int32_t kind = 0) {
     flag_ = 99;
-    keys_ =
-        lookups_.pfnFindStreetVar(name, static_cast<std::int32_t>(std::strlen(name)), scfs.data(),
-                                  static_cast<std::int32_t>(scfs.size()), kind, &flag_, &count_);
+    keys_ = proc_.pfnFindStreetVar(name, static_cast<std::int32_t>(std::strlen(name)), scfs.data(),
+                                   static_cast<std::int32_t>(scfs.size()), kind, &flag_, &count_);
     return keys_ == nullptr ? Keys{} : Keys(keys_, keys_ + count_);
   }
   std::string name(GetName* lookup, std::uint32_t offset) {
@@ -50,22 +49,22 @@ TEST_P(StreetLookup, StreetKeyOfAnExactName) {
   named(longest, 1, 0);
   named(longest + "L", 1, 29);
   start();
-  EXPECT_EQ(lookups_.pfnFindStreetKey("NOPE", 4, &proc_), -1);
-  EXPECT_EQ(lookups_.pfnFindStreetKey(longest.c_str(), 28, &proc_), 0);
-  EXPECT_EQ(lookups_.pfnFindStreetKey((longest + "L").c_str(), 29, &proc_), -1);
-  EXPECT_EQ(lookups_.pfnFindStreetVarIdx(4, (longest + "L").c_str(), 29, &proc_), -1);
+  EXPECT_EQ(proc_.pfnFindStreetKey("NOPE", 4, &proc_), -1);
+  EXPECT_EQ(proc_.pfnFindStreetKey(longest.c_str(), 28, &proc_), 0);
+  EXPECT_EQ(proc_.pfnFindStreetKey((longest + "L").c_str(), 29, &proc_), -1);
+  EXPECT_EQ(proc_.pfnFindStreetVarIdx(4, (longest + "L").c_str(), 29, &proc_), -1);
 }
 
 TEST_P(StreetLookup, StreetNameByOffset) {
   start();
-  for (GetName* lookup : {lookups_.pfnGetStreetNameUSPS, lookups_.pfnGetStreetNameUSPSwc}) {
+  for (GetName* lookup : {proc_.pfnGetStreetNameUSPS, proc_.pfnGetStreetNameUSPSwc}) {
     EXPECT_EQ(name(lookup, 0), "ALPHA");
     EXPECT_EQ(name(lookup, 6), "BETA");
     EXPECT_NE(lookup(11, &length_, &proc_), nullptr);
     EXPECT_EQ(length_, -1) << "the length byte is signed";
   }
   if (!onDisk_) {
-    EXPECT_EQ(name(lookups_.pfnGetStreetNameUSPS, 12), "null") << "at the end of the names";
+    EXPECT_EQ(name(proc_.pfnGetStreetNameUSPS, 12), "null") << "at the end of the names";
     EXPECT_EQ(length_, -99);
   }
 }
@@ -188,14 +187,14 @@ TEST_P(StreetLookup, ListThatIsCutOffKeepsWhatWasRead) {
 TEST_P(StreetLookup, FirmByNameAndOffset) {
   const std::string longest(40, 'F');
   start();
-  EXPECT_EQ(lookups_.pfnFindFirm("ACME", 4, &proc_), 0);
-  EXPECT_EQ(lookups_.pfnFindFirm(longest.c_str(), 40, &proc_), 5);
-  EXPECT_EQ(lookups_.pfnFindFirm((longest + "F").c_str(), 41, &proc_), -1);
-  EXPECT_EQ(lookups_.pfnFindFirm("ACME", -1, &proc_), -1);
-  EXPECT_EQ(name(lookups_.pfnGetFirmName, 0), "ACME");
-  EXPECT_EQ(name(lookups_.pfnGetFirmName, 5), longest);
+  EXPECT_EQ(proc_.pfnFindFirm("ACME", 4, &proc_), 0);
+  EXPECT_EQ(proc_.pfnFindFirm(longest.c_str(), 40, &proc_), 5);
+  EXPECT_EQ(proc_.pfnFindFirm((longest + "F").c_str(), 41, &proc_), -1);
+  EXPECT_EQ(proc_.pfnFindFirm("ACME", -1, &proc_), -1);
+  EXPECT_EQ(name(proc_.pfnGetFirmName, 0), "ACME");
+  EXPECT_EQ(name(proc_.pfnGetFirmName, 5), longest);
   if (!onDisk_) {
-    EXPECT_EQ(name(lookups_.pfnGetFirmName, 46), "null");
+    EXPECT_EQ(name(proc_.pfnGetFirmName, 46), "null");
   }
 }
 
