@@ -44,7 +44,7 @@ class Session {
   // Before a lookup that uses these sets. In memory: loads what was not tried before; false when
   // a set cannot be loaded, of which then no table is there. First: decides the lookups without a
   // First variant, In when the set loads, else Off.
-  bool prepare(std::uint32_t sets) {
+  [[nodiscard]] bool prepare(std::uint32_t sets) {
     return ((sets & ~prepared_) == 0 || prepareNew(sets & ~prepared_)) && (sets & failed_) == 0;
   }
 
