@@ -4,11 +4,11 @@
 #include <array>
 #include <functional>
 
+#include "base/memory.h"
 #include "dbbuilder/places.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/writer.h"
 #include "dbfiles/apiutil.h"
-#include "base/memory.h"
 #include "hash/namehash.h"
 #include "lookup/session.h"
 #include "support/logfixture.h"
