@@ -24,7 +24,8 @@ foreach(header IN ITEMS
     hash/namehash.h
     tables/dbapi.h tables/refpointers.h tables/rows.h tables/tolvfree.h
     lookup/cache.h lookup/cities.h lookup/dispatch.h lookup/firm.h lookup/session.h
-    lookup/street.h lookup/tablesets.h lookup/zip.h)
+    lookup/street.h lookup/tablesets.h lookup/zip.h
+    reader/database.h reader/error.h reader/records.h)
   get_filename_component(module ${header} DIRECTORY)
   install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${header_dir}/core/${module})
 endforeach()

@@ -265,4 +265,16 @@ void release(void* block) {
   std::free(block);
 }
 
+void* allocateLarge(std::size_t bytes) { return allocateZeroed(bytes); }
+
+void releaseLarge(void* block, std::size_t /*bytes*/) { release(block); }
+
+void* mapFile(int fd, std::size_t bytes) {
+  void* const block = allocateZeroed(bytes);
+  if (block != nullptr) readAt(fd, block, bytes, 0);
+  return block;
+}
+
+void unmapFile(void* block, std::size_t /*bytes*/) { release(block); }
+
 }  // namespace statecut::sys

@@ -1,6 +1,7 @@
 #pragma once
 // The whole interface of the library.
 
+#include "database.h"
 #include "files.h"
 #include "log.h"
 #include "lookup.h"

@@ -63,4 +63,43 @@ void* allocateZeroed(std::size_t bytes) { return std::calloc(bytes, 1); }
 
 void release(void* block) { std::free(block); }
 
+namespace {
+
+constexpr std::size_t kLargePage = std::size_t{2} << 20;
+
+constexpr std::size_t inLargePages(std::size_t bytes) {
+  return (bytes + kLargePage - 1) / kLargePage * kLargePage;
+}
+
+}  // namespace
+
+// A region that begins and ends with a large page, out of one that is a page larger. Less than one
+// page comes from the heap.
+void* allocateLarge(std::size_t bytes) {
+  if (bytes < kLargePage) return std::calloc(bytes, 1);
+  const std::size_t wanted = inLargePages(bytes);
+  void* const map = ::mmap(nullptr, wanted + kLargePage, PROT_READ | PROT_WRITE,
+                           MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (map == MAP_FAILED) return nullptr;
+  auto* const first = static_cast<unsigned char*>(map);
+  const std::size_t odd = reinterpret_cast<std::uintptr_t>(first) % kLargePage;
+  const std::size_t lead = odd == 0 ? 0 : kLargePage - odd;
+  if (lead != 0) ::munmap(first, lead);
+  ::munmap(first + lead + wanted, kLargePage - lead);
+  ::madvise(first + lead, wanted, MADV_HUGEPAGE);  // a wish
+  return first + lead;
+}
+
+void releaseLarge(void* block, std::size_t bytes) {
+  if (block == nullptr || bytes < kLargePage) return std::free(block);
+  ::munmap(block, inLargePages(bytes));
+}
+
+void* mapFile(int fd, std::size_t bytes) {
+  void* const map = ::mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE, fd, 0);
+  return map == MAP_FAILED ? nullptr : map;
+}
+
+void unmapFile(void* block, std::size_t bytes) { ::munmap(block, bytes); }
+
 }  // namespace statecut::sys

@@ -27,4 +27,12 @@ int closeFile(int fd);
 void* allocateZeroed(std::size_t bytes);  // null when memory runs out; released by release
 void release(void* block);
 
+// Zeros for a whole database, in large pages where the system has them; null when memory runs out.
+// Released with the same number of bytes.
+void* allocateLarge(std::size_t bytes);
+void releaseLarge(void* block, std::size_t bytes);
+// Maps the first bytes of a file for reading; null when it fails.
+void* mapFile(int fd, std::size_t bytes);
+void unmapFile(void* block, std::size_t bytes);
+
 }  // namespace statecut::sys

@@ -22,8 +22,14 @@ namespace {
 
 const std::size_t kBatch = 500;
 
-// Files in memory are damaged faster.
-std::string baseFolder() { return ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : temporaryBase(); }
+std::string makeFolder() {
+  const bool memory = ::access("/dev/shm", W_OK) == 0;
+  const char* chosen = std::getenv("TMPDIR");
+  std::string name = memory ? "/dev/shm" : chosen != nullptr ? chosen : "/tmp";
+  name += "/statecut-XXXXXX";
+  if (::mkdtemp(name.data()) == nullptr) std::abort();
+  return name;
+}
 
 Progress* sharedProgress() {
   void* at =
@@ -154,8 +160,7 @@ void redirect(int fd, const std::string& path) {
 
 Damager::Damager(PairImage pair, const PairImage* source, Queries which)
     : pair_(std::move(pair)),
-      folder_(baseFolder()),
-      files_{folder_.path(), "pair"},
+      files_{makeFolder(), "pair"},
       programs_(files_, source == nullptr ? PairFiles{} : PairFiles{files_.folder, "source"},
                 queriesOf(pair_, which)) {
   ::setenv("SOURCE_DATE_EPOCH", "1767225601", 1);
@@ -166,6 +171,11 @@ Damager::Damager(PairImage pair, const PairImage* source, Queries which)
     writeWholeFile(files_.folder + "/source.rng", source->rng);
   }
   restore();
+}
+
+Damager::~Damager() {
+  std::error_code ignored;
+  std::filesystem::remove_all(files_.folder, ignored);
 }
 
 void Damager::restore() const {

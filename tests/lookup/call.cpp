@@ -51,6 +51,10 @@ std::string described(const Call& call) {
   return text.append(", matcher ").append(std::to_string(static_cast<int>(call.match))).append(")");
 }
 
+bool readerHas(Op op) {
+  return op != Op::kTruncCityIndex && op != Op::kVariationIndex && op != Op::kRoute;
+}
+
 std::string record(const unsigned char* bytes, std::size_t count) {
   static constexpr char kDigits[] = "0123456789abcdef";
   std::string text = ":";

@@ -53,6 +53,9 @@ enum class Op : std::uint8_t {
 };
 inline constexpr std::size_t kOps = static_cast<std::size_t>(Op::kCount_);
 
+// Those that a Database has, too: the others tell of positions inside of a search.
+bool readerHas(Op op);
+
 enum class Match : std::uint8_t { kContains, kStarts, kEnds };
 
 struct Call {

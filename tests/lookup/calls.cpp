@@ -72,7 +72,8 @@ void CallMaker::cityNames() {
     addNamed(Op::kTruncCity, name.state == "TX" ? "VT" : "TX", name.name);
     patterns(name, random_.below(count + 2));
   }
-  for (const char* pattern : {"", "*", "**", "***", "****", "A**", "**A", "*A*", "A", "A*", "*A"})
+  for (const char* pattern : {"", "*", "**", "***", "****", "A**", "**A", "*A*", "A", "A*", "*A",
+                              "*AAAAAAAAAAAAAAAAAAAAAAAAAAA*"})
     addNamed(Op::kNearest, "TX", pattern);
   for (const std::int64_t start : {-1L, 0L, std::int64_t{count} - 1, std::int64_t{count},
                                    std::int64_t{count} + 1, 2147483647L}) {

@@ -10,6 +10,8 @@
 #include "call.h"
 #include "databases.h"
 #include "differences.h"
+#include "readeroracle.h"
+#include "readersession.h"
 #include "variantsession.h"
 
 namespace statecut::test {
@@ -17,6 +19,8 @@ namespace statecut::test {
 struct Tally {
   std::array<std::size_t, kDifferences> occurred{};
   std::array<std::size_t, kOps> calls{};
+  std::array<std::size_t, kReaderDifferences> readerOccurred{};
+  std::size_t refused = 0;  // files
 };
 
 enum class Soundness : std::uint8_t { kSound, kDamaged };
@@ -24,5 +28,9 @@ enum class Soundness : std::uint8_t { kSound, kDamaged };
 // The first few differences as a text, empty when there are none.
 std::string compareAnswers(const Variant& variant, const Database& database,
                            const std::vector<Call>& calls, Soundness soundness, Tally& tally);
+
+// The same for a Database, which must refuse exactly the files that have a flaw.
+std::string compareReader(ReaderWay way, const Database& database, const std::vector<Call>& calls,
+                          Tally& tally);
 
 }  // namespace statecut::test

@@ -88,6 +88,26 @@ Model randomLookupModel(std::uint64_t seed) {
   return model;
 }
 
+// The lists of ZIP codes and cities become as long as their records say.
+Database randomReaderDatabase(std::uint64_t seed) {
+  Model model = randomLookupModel(seed);
+  for (ZipRecord& zip : model.zips) {
+    const std::size_t room = model.cityKeysOfZips.size();
+    if (zip.cityKeysCount > 1 && zip.cityKeysIndex + std::size_t{zip.cityKeysCount} > room)
+      model.cityKeysOfZips.resize(zip.cityKeysIndex + std::size_t{zip.cityKeysCount}, 1);
+  }
+  const auto hold = [&](const MultiZipRef& ref) {
+    if (ref.zipCount > 1) atLeast(model.multiZipLists, ref.key + ref.zipCount, std::uint16_t{1});
+  };
+  for (const CityMultiZip& city : model.cityMultiZip) {
+    hold(city.sfh);
+    hold(city.pob);
+    hold(city.rr);
+  }
+  for (const FinMultiZip& fin : model.finMultiZip) hold(fin);
+  return {"random reader database " + std::to_string(seed), referenceFile(model).bytes};
+}
+
 Database randomLookupDatabase(std::uint64_t seed) {
   return {"random database " + std::to_string(seed), referenceFile(randomLookupModel(seed)).bytes};
 }

@@ -21,7 +21,12 @@ Database randomLookupDatabase(std::uint64_t seed);     // valid; a function of t
 builder::Model randomLookupModel(std::uint64_t seed);  // what it is made from
 Database edgeDatabase();                               // where memory and file differ on purpose
 
+// The same with lists inside of their tables and a sound ZIP index, as a Database demands.
+Database randomReaderDatabase(std::uint64_t seed);
+Database edgeReaderDatabase();
+
 // The edge database (without its long lists) with one number damaged, each in turn.
 std::vector<Database> damagedDatabases();
+std::vector<Database> damagedReaderDatabases();  // of edgeReaderDatabase
 
 }  // namespace statecut::test

@@ -128,20 +128,17 @@ std::vector<Spot> tableSpots(const Bytes& file) {
   };
 }
 
+Database soundEdges(bool longLists) { return {"edges", referenceFile(edgeModel(longLists)).bytes}; }
+
 Database edges(bool longLists) {
-  Database made{"edges", referenceFile(edgeModel(longLists)).bytes};
+  Database made = soundEdges(longLists);
   // An index entry above the count.
   const std::uint32_t zips = wordOf(made.file, Ref::zipDataCount.at);
   le::put<2>(made.file.data() + wordOf(made.file, Ref::zipIndexRba.at) + 2, zips + 2);
   return made;
 }
 
-}  // namespace
-
-Database edgeDatabase() { return edges(true); }
-
-std::vector<Database> damagedDatabases() {
-  const Database whole = edges(false);
+std::vector<Database> damaged(const Database& whole) {
   std::vector<Spot> spots = tableSpots(whole.file);
   for (const Spot& spot : wordSpots(whole.file)) spots.push_back(spot);
   std::vector<Database> made;
@@ -154,5 +151,13 @@ std::vector<Database> damagedDatabases() {
   }
   return made;
 }
+
+}  // namespace
+
+Database edgeDatabase() { return edges(true); }
+Database edgeReaderDatabase() { return soundEdges(true); }
+
+std::vector<Database> damagedDatabases() { return damaged(edges(false)); }
+std::vector<Database> damagedReaderDatabases() { return damaged(soundEdges(false)); }
 
 }  // namespace statecut::test

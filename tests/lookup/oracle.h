@@ -55,7 +55,9 @@ class Oracle {
   // nothing contradicts it.
   std::string contradiction(const Call& call, const std::string& answer);
 
- private:
+ protected:
+  bool exact_ = false;  // names that run on behind their table are none
+
   struct View {  // a loaded table
     bool loaded = false;
     std::uint32_t rba = 0;

@@ -113,6 +113,7 @@ bool Oracle::candidate(std::string_view name, std::uint32_t type, std::uint32_t 
   if (length > kind.textRead) return false;  // no lookup takes such a name
   if (at + kind.textAt + name.size() > views_[kind.slot].bytes)
     note(Difference::kListBehindTheTable);
+  if (exact_ && at + kind.textAt + name.size() > views_[kind.slot].bytes) return false;
   return text(bytes, kind.textAt, name.size()) == name;
 }
 

@@ -254,6 +254,19 @@ void release(void* block) {
   if (block != nullptr) std::free(static_cast<unsigned char*>(block) - test::kBlockHeader);
 }
 
+void* allocateLarge(std::size_t bytes) { return allocateZeroed(bytes); }
+
+void releaseLarge(void* block, std::size_t) { release(block); }
+
+// The file's bytes as they are now.
+void* mapFile(int fd, std::size_t bytes) {
+  void* const block = allocateZeroed(bytes);
+  if (block != nullptr) static_cast<void>(::pread(fd, block, bytes, 0));
+  return block;
+}
+
+void unmapFile(void* block, std::size_t) { release(block); }
+
 }  // namespace statecut::sys
 
 // The memory of the standard library's own objects.

@@ -5,14 +5,25 @@
 #include "cut/guards.h"
 #include "cut/rangecopy.h"
 #include "cut/refcopy.h"
-#include "unit/cut/cutfixture.h"
+#include "unit/cut/cutbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using cutbench::Bytes;
+using cutbench::pattern;
+using cutbench::setText;
+using cutbench::slice;
 
-class Copying : public CutFixture {};
+class Copying : public cutbench::CutBench {
+ protected:
+  void start(const Bytes& source) {
+    source_ = source;
+    openSources(source, source);
+    openOutputs();
+  }
+  Bytes source_;
+};
 
 TEST_F(Copying, EntryPointIsCopiedByteForByteWithoutCounting) {
   start(pattern(20000, 1));

@@ -5,14 +5,16 @@
 #include "base/stream.h"
 #include "cut/multizipsize.h"
 #include "cut/rangecopy.h"
-#include "unit/cut/cutfixture.h"
+#include "unit/cut/cutbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using cutbench::Bytes;
+using cutbench::pattern;
+using cutbench::slice;
 
-class MultiZipSize : public CutFixture {
+class MultiZipSize : public cutbench::CutBench {
  protected:
   using Entry = std::pair<std::uint32_t, std::uint32_t>;
 
@@ -125,7 +127,9 @@ TEST_F(MultiZipSize, MissingKeyWarnsWithTheSameLabelForEveryKind) {
 class MultiZip : public MultiZipSize {
  protected:
   MultiZip() {
-    start(pattern(30000, 6));
+    source_ = pattern(30000, 6);
+    openSources(source_, source_);
+    openOutputs();
     totalRngBytes = 624;
     setWord(RefControlRec::cityDataCount, 5);
     setWord(RefControlRec::cityMultiZipRbasCount, 5);
@@ -189,6 +193,7 @@ class MultiZip : public MultiZipSize {
     return records[city].get(CityMultiZipRow::sfhRba);
   }
 
+  Bytes source_;
   CityDataRow* cities;
   CityMultiZipRow* records;
   FinMultiZipRow* finance;

@@ -7,17 +7,24 @@
 #include "base/stream.h"
 #include "cut/blockcopy.h"
 #include "cut/guards.h"
-#include "unit/cut/cutfixture.h"
+#include "unit/cut/cutbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using cutbench::Bytes;
+using cutbench::pattern;
+using cutbench::slice;
 
 using Partition = std::pair<std::uint32_t, std::uint32_t>;  // RBA, bytes
 
-class Plan : public CutFixture {
+class Plan : public cutbench::CutBench {
  protected:
+  void start(const Bytes& source) {
+    source_ = source;
+    openSources(source, source);
+    openOutputs();
+  }
   static void run(const std::vector<Partition>& partitions) {
     RangePlan plan;
     for (const auto& [rba, bytes] : partitions) plan.add(rba, bytes);
@@ -38,6 +45,7 @@ class Plan : public CutFixture {
     EXPECT_EQ(writtenRange(), bytes);
     EXPECT_EQ(proc.stats->reads, reads);
   }
+  Bytes source_;
 };
 
 TEST_F(Plan, NeighboursAndStrangersComeOutInTheirOrder) {

@@ -2,16 +2,16 @@
 
 #include "base/le.h"
 #include "hash/namehash.h"
-#include "unit/cut/cutfixture.h"
+#include "unit/cut/cutbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using cutbench::setText;
 
 // City names OK ADA, OK TULSA, TX DALLAS, TX WACO and as many phonetic keys, behind a blank record.
 // All of them stand in overflow chains of one hash slot.
-class RefUpdate : public CutFixture {
+class RefUpdate : public cutbench::CutBench {
  protected:
   struct Name {
     const char* state;

@@ -6,14 +6,16 @@
 #include "base/stream.h"
 #include "cut/closedbs.h"
 #include "cut/guards.h"
-#include "unit/cut/cutfixture.h"
+#include "unit/cut/cutbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using cutbench::Bytes;
+using cutbench::pattern;
+using cutbench::slice;
 
-class RefWrite : public CutFixture {
+class RefWrite : public cutbench::CutBench {
  protected:
   RefWrite() {
     openOutputs();

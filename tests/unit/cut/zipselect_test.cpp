@@ -1,13 +1,13 @@
 #include "cut/zipselect.h"
 
-#include "unit/cut/cutfixture.h"
+#include "unit/cut/cutbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using cutbench::setText;
 
-class ZipSelect : public CutFixture {
+class ZipSelect : public cutbench::CutBench {
  protected:
   struct Zip {
     std::uint32_t zip;

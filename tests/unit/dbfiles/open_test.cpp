@@ -11,7 +11,10 @@
 namespace statecut {
 namespace {
 
-using namespace test;
+using test::Bytes;
+using test::putWord;
+using test::refRecord;
+using test::rngRecord;
 using Lines = std::vector<std::string>;
 
 ProcObj* installedFor = nullptr;

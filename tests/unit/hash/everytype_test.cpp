@@ -1,14 +1,14 @@
 // Renumbering names of every type, one by one and in batches.
 
 #include "hash/namehash.h"
-#include "unit/hash/indexfixture.h"
+#include "unit/hash/hashbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using namespace hashbench;
 
-class EveryType : public IndexFixture {
+class EveryType : public HashBench {
  protected:
   void table(SlotNumber slot, const Bytes& bytes, std::uint32_t type) {
     makeIndex(8);

@@ -1,22 +1,25 @@
 // The search that reads slots, overflow entries and names from the reference file.
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 #include "base/stream.h"
 #include "hash/namehash.h"
-#include "support/files.h"
-#include "unit/hash/indexfixture.h"
+#include "unit/hash/hashbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using namespace hashbench;
 
 constexpr std::uint32_t kSlotsAt = 900;
 constexpr std::uint32_t kOverflowAt = 1000;
 constexpr std::uint32_t kTableAt = 2000;
 
-class FileIndex : public IndexFixture {
+class FileIndex : public HashBench {
  protected:
   FileIndex() { file_.resize(kTableAt); }
   ~FileIndex() override { close(); }
@@ -42,9 +45,13 @@ class FileIndex : public IndexFixture {
  private:
   void open(const Bytes& bytes) {
     close();
-    const std::string path = folder_.file("index");
-    test::writeWholeFile(path, bytes);
-    proc.files->reference = streamOpen(path.c_str(), "rb");
+    const char* folder = std::getenv("TMPDIR");
+    path_ = std::string(folder == nullptr ? "/tmp" : folder) + "/fileindexXXXXXX";
+    const int fd = ::mkstemp(path_.data());
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(::write(fd, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ::close(fd);
+    proc.files->reference = streamOpen(path_.c_str(), "rb");
     ASSERT_NE(proc.files->reference, nullptr);
   }
 
@@ -52,10 +59,11 @@ class FileIndex : public IndexFixture {
     if (proc.files->reference == nullptr) return;
     streamClose(proc.files->reference);
     proc.files->reference = nullptr;
+    std::remove(path_.c_str());
   }
 
   Bytes file_;
-  test::TempDir folder_;
+  std::string path_;
 };
 
 TEST_F(FileIndex, FindsPackedNames) {

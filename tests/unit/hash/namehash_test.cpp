@@ -1,13 +1,13 @@
 #include "hash/namehash.h"
 
-#include "unit/hash/indexfixture.h"
+#include "unit/hash/hashbench.h"
 
 namespace {
 
 using namespace statecut;
-using namespace statecut::test;
+using namespace hashbench;
 
-class NameHash : public IndexFixture {
+class NameHash : public HashBench {
  protected:
   NameHash() {
     setTable(kSlotFirms, packed({"ACME", "BOLTS"}));

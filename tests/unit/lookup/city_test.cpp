@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "dbfiles/apiutil.h"
-#include "lookupfixture.h"
+#include "lookupbench.h"
 
 namespace statecut::test {
 

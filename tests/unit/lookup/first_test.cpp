@@ -1,6 +1,6 @@
 #include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "lookupfixture.h"
+#include "lookupbench.h"
 
 namespace statecut::test {
 

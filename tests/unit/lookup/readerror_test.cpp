@@ -5,7 +5,7 @@
 
 #include "dbfiles/apiutil.h"
 #include "hash/namehash.h"
-#include "lookupfixture.h"
+#include "lookupbench.h"
 
 namespace statecut::test {
 namespace {

@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "lookupfixture.h"
+#include "lookupbench.h"
 
 namespace statecut::test {
 

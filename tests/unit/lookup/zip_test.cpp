@@ -1,4 +1,4 @@
-#include "lookupfixture.h"
+#include "lookupbench.h"
 
 namespace statecut::test {
 
