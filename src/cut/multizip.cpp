@@ -172,6 +172,16 @@ std::int32_t createCityList() {
   return 0;
 }
 
+void renumberNameLinks() {
+  const std::uint32_t cities = cityCount();
+  for (std::uint32_t c = 0; c < cities; ++c) {
+    CityDataRow& city = cityTable()[c];
+    const bool kept = cityKeys[c] != 0;
+    city.set(CityDataRow::nameUsps, kept ? newName(city.get(CityDataRow::nameUsps)) : 0);
+    city.set(CityDataRow::nameStandard, kept ? newName(city.get(CityDataRow::nameStandard)) : 0);
+  }
+}
+
 std::int32_t buildSFHMultiZip() {
   const std::uint64_t keys = refWord(RefControlRec::multiZipListsCount);
   multiZipKeys = static_cast<MultiZipKey*>(allocTable(keys * sizeof(MultiZipKey)));
@@ -179,14 +189,8 @@ std::int32_t buildSFHMultiZip() {
     logNoMemory(logsite::kMultiZipKeysFailed, "Multi-Zip Keys");
     return -1;
   }
-  const std::uint32_t cities = cityCount();
-  for (std::uint32_t c = 0; c < cities; ++c) {
-    CityDataRow& city = cityTable()[c];
-    const bool kept = cityKeys[c] != 0;
-    city.set(CityDataRow::nameUsps, kept ? newName(city.get(CityDataRow::nameUsps)) : 0);
-    city.set(CityDataRow::nameStandard, kept ? newName(city.get(CityDataRow::nameStandard)) : 0);
-    if (kept) visitSfh(city, fillCitySfh, fillFinance);
-  }
+  renumberNameLinks();
+  forEachCity([](const CityDataRow& city) { visitSfh(city, fillCitySfh, fillFinance); });
   return visitZipFinance(logsite::kBuildMultiZipBadKey, fillFinance);
 }
 

@@ -1,5 +1,7 @@
 #include "cut/refcopy.h"
 
+#include <algorithm>
+
 #include "base/memory.h"
 #include "base/procobj.h"
 #include "cut/blockcopy.h"
@@ -10,28 +12,139 @@
 #include "dbfiles/apiutil.h"
 #include "hash/namehash.h"
 #include "tables/dbapi.h"
-#include "tables/refpointers.h"
+#include "tables/directory.h"
 
 namespace statecut {
 
 namespace {
 
-using Directory = RefControlRec;
+using Loader = std::int32_t();
+
+// One of these three does the work of a step.
+struct Step {
+  TableId table = TableId::kCount;  // copied; of a reader: without it there is nothing to read
+  Loader* loader = nullptr;         // the cut goes on without a table that it failed to load
+  TableReader* reader = nullptr;    // the cut ends when it fails
+};
+
+constexpr Step copy(TableId table) { return {.table = table}; }
+constexpr Step load(Loader* loader) { return {.loader = loader}; }
+constexpr Step need(TableReader* reader) { return {.reader = reader}; }
+constexpr Step needIfPresent(TableId table, TableReader* reader) {
+  return {.table = table, .reader = reader};
+}
+
+constexpr Step kSteps[] = {
+    copy(TableId::kStreetPatterns),
+    copy(TableId::kPobPatterns),
+    copy(TableId::kRrPatterns),
+    copy(TableId::kStreetNames),
+    copy(TableId::kFirms),
+    load(readCityData4SC1),
+    copy(TableId::kCityMultiZipLists),
+    copy(TableId::kCityMultiFinanceLists),
+    load(readCityData4SC2),
+    need(dbReadCityNames),
+    need(dbReadCityByState),
+    need(dbReadCityPhonetics),
+    load(readZipData4SC1),
+    copy(TableId::kZipMultiCityLists),
+    load(readZipData4SC2),
+    copy(TableId::kUniqueZips),
+    copy(TableId::kCounties),
+    copy(TableId::kUrbs),
+    copy(TableId::kUrbMultiZipLists),
+    copy(TableId::kUrbVariations),
+    copy(TableId::kStreetPhoneticAmb),
+    copy(TableId::kStreetPhonetics),
+    copy(TableId::kStreetPhoneticsRbos),
+    copy(TableId::kStreetStandardAmb),
+    copy(TableId::kStreetStandards),
+    copy(TableId::kStreetStandardsRbos),
+    copy(TableId::kGeneralDelivery),
+    copy(TableId::kMultiZipLists),
+    // A database that is itself a cut ends here: it has no tables to select by.
+    need(dbReadBytesTables),
+    need(dbReadHashedNames),
+    needIfPresent(TableId::kMilitary, dbReadMilitaryTable),
+    needIfPresent(TableId::kPobZones, dbReadPOBZone),
+};
+
+constexpr bool isCopy(const Step& step) { return step.loader == nullptr && step.reader == nullptr; }
+
+constexpr bool isCopied(const TableLine& table) {
+  return (table.fate == Fate::kKept || table.fate == Fate::kCopied) &&
+         table.records.by != Counted::kItself;
+}
+
+// The copies are those of the directory, in its order.
+static_assert([] {
+  auto step = std::begin(kSteps);
+  for (const TableLine& table : kDirectory) {
+    if (!isCopied(table)) continue;
+    step = std::find_if(step, std::end(kSteps), isCopy);
+    if (step == std::end(kSteps) || step->table != table.id) return false;
+    ++step;
+  }
+  return std::find_if(step, std::end(kSteps), isCopy) == std::end(kSteps);
+}());
+
+void copyTable(const TableLine& table, RefControlRec& record) {
+  const std::uint32_t rba = wordAt(record, table.rbaAt);
+  if (table.fate != Fate::kKept) setWordAt(record, table.rbaAt, totalBytes);
+  copyPartition(rba, carriedBytes(record, table.id));
+}
+
+// False when the reader failed or the source could not be read before it.
+bool loaded(TableReader* reader, const RefControlRec& record) {
+  Stream* from = pProcObj->files->reference;
+  return !inError(from) && reader(from, &record, pProcObj) == 0;
+}
+
+bool take(const Step& step, RefControlRec& record) {
+  if (isCopy(step)) {
+    copyTable(tableLine(step.table), record);
+    return true;
+  }
+  if (step.loader != nullptr) {
+    step.loader();
+    return true;
+  }
+  const bool absent =
+      step.table != TableId::kCount && wordAt(record, tableLine(step.table).rbaAt) == 0;
+  return absent || loaded(step.reader, record);
+}
 
 struct LoadedTable {
+  TableId table;
   LogSite site;
   const char* name;
   const char* errorName;
-  SlotNumber slot;
   std::int32_t failure;
 };
 
+constexpr LoadedTable kCityData = {TableId::kCityData, logsite::kCityData, "City Data Table",
+                                   "City Data", -2};
+constexpr LoadedTable kCityMultiZipRbas = {TableId::kCityMultiZipRbas, logsite::kCityMultiZipRbas,
+                                           "City Multiple Zip RBAs", "City Multiple Zip RBAs", -2};
+// Deliberate: the code of the ZIP tables, as in the library's reader of the city data.
+constexpr LoadedTable kFinMultiZipRbas = {TableId::kFinMultiZipRbas, logsite::kFinMultiZipRbas,
+                                          "Zip Finance Multi Zip Data",
+                                          "Zip Finance Multi Zip Data", -5};
+constexpr LoadedTable kZipData = {TableId::kZipData, logsite::kZipCodeData, "Zip Code Data",
+                                  "Zip Code Data", -5};
+constexpr LoadedTable kZipIndex = {TableId::kZipIndex, logsite::kZipCodeIndex, "Zip Code Index",
+                                   "Zip Code Index", -5};
+
 bool outOfMemory = false;
 
-std::int32_t load(const LoadedTable& table, std::uint64_t bytes, std::uint32_t rba) {
+std::int32_t loadTable(const LoadedTable& table) {
+  const RefControlRec* record = refRecord();
+  if (record == nullptr) return table.failure;
+  const auto bytes = static_cast<std::uint64_t>(tableBytes(*record, table.table));
   logRequired(table.site, "Info Message", table.name, bytes);
   auto* block = static_cast<unsigned char*>(allocTable(bytes));
-  refPointers[table.slot].table = block;
+  refPointers[tableLine(table.table).slot].table = block;
   if (block == nullptr) {
     // A table above the bound is left out of every cut, one without memory of this one alone.
     if (bytes <= kTableMaxBytes) outOfMemory = true;
@@ -40,6 +153,7 @@ std::int32_t load(const LoadedTable& table, std::uint64_t bytes, std::uint32_t r
   }
   Stream* from = pProcObj->files->reference;
   if (inError(from)) return table.failure;
+  const std::uint32_t rba = wordAt(*record, tableLine(table.table).rbaAt);
   if (dbReadFile(from, rba, static_cast<std::int32_t>(bytes), block, pProcObj) < 0 ||
       inError(from)) {
     readRefError(table.errorName, pProcObj);
@@ -48,120 +162,34 @@ std::int32_t load(const LoadedTable& table, std::uint64_t bytes, std::uint32_t r
   return 0;
 }
 
-// Copies a table whose RBA field keeps its value: the first four follow the control record in this
-// order, so their copies land where the source has them. This is meant.
-template <std::size_t At>
-void copyKept(Num<At, 4> rbaField, std::uint32_t bytes) {
-  copyPartition(refWord(rbaField), bytes);
-}
-
-template <std::size_t At>
-void copyMoved(Num<At, 4> rbaField, std::uint32_t bytes) {
-  const std::uint32_t rba = refWord(rbaField);
-  setRefWord(rbaField, totalBytes);
-  copyPartition(rba, bytes);
-}
-
-// False when the loader failed or the source could not be read before it.
-bool loaded(TableReader* reader) {
-  Stream* from = pProcObj->files->reference;
-  return !inError(from) && reader(from, refControl(), pProcObj) == 0;
-}
-
-bool copyCityTables() {
-  copyMoved(Directory::firmsRba, refWord(Directory::firmsBytes));
-  readCityData4SC1();  // the cut goes on without a table that one of these four failed to load
-  copyMoved(Directory::cityMultiZipListsRba, 6 * refWord(Directory::cityMultiZipListsCount));
-  copyMoved(Directory::cityMultiFinanceListsRba,
-            2 * refWord(Directory::cityMultiFinanceListsCount));
-  readCityData4SC2();
-  if (!loaded(dbReadCityNames) || !loaded(dbReadCityByState) || !loaded(dbReadCityPhonetics)) {
-    return false;
-  }
-  readZipData4SC1();
-  // The loaders of this table and of the multi-ZIP lists read 4 bytes an entry, the cut carries 2.
-  // This is meant.
-  copyMoved(Directory::zipMultiCityListsRba, 2 * refWord(Directory::zipMultiCityListsCount));
-  readZipData4SC2();
-  return !inError(pProcObj->files->reference);
-}
-
-void copyNameTables() {
-  copyMoved(Directory::uniqueZipsRba, 12 * refWord(Directory::uniqueZipsCount));
-  copyMoved(Directory::countiesRba, 32 * refWord(Directory::countiesCount));
-  copyMoved(Directory::urbsRba, 32 * refWord(Directory::urbsCount));
-  copyMoved(Directory::urbMultiZipListsRba, 2 * refWord(Directory::urbMultiZipListsCount));
-  copyMoved(Directory::urbVariationsRba, 32 * refWord(Directory::urbVariationsCount));
-  copyMoved(Directory::streetPhoneticAmbDataRba, refWord(Directory::streetPhoneticAmbDataBytes));
-  copyMoved(Directory::streetPhoneticsRba, refWord(Directory::streetPhoneticsBytes));
-  copyMoved(Directory::streetPhoneticsRbosRba, 4 * refWord(Directory::streetPhoneticsCount));
-  copyMoved(Directory::streetStandardAmbDataRba, refWord(Directory::streetStandardAmbDataBytes));
-  copyMoved(Directory::streetStandardsRba, refWord(Directory::streetStandardsBytes));
-  copyMoved(Directory::streetStandardsRbosRba, 4 * refWord(Directory::streetStandardsCount));
-  copyMoved(Directory::generalDeliveryRba, 4 * refWord(Directory::generalDeliveryCount));
-  copyMoved(Directory::multiZipListsRba, 2 * refWord(Directory::multiZipListsCount));
-}
-
-bool loadIndexTables() {
-  // A database that is itself a cut no longer has the tables that a cut selects by.
-  if (!loaded(dbReadBytesTables) || !loaded(dbReadHashedNames)) return false;
-  if (refWord(Directory::militaryRba) != 0 && !loaded(dbReadMilitaryTable)) return false;
-  return refWord(Directory::pobZonesRba) == 0 || loaded(dbReadPOBZone);
-}
-
 }  // namespace
 
 std::int32_t copyRefDb() {
   totalBytes = 0;
   outOfMemory = false;
   refPointers.fill(RefSlot{});
-  RefControlRec* record = refControl();
+  RefControlRec* record = refRecord();
   if (record == nullptr) return -1;
-  keepHashMask(record->get(Directory::hashTableCount));
+  keepHashMask(record->get(RefControlRec::hashTableCount));
   markStateCut(*record);
   writePartition(record->bytes.data(), RefControlRec::size);  // holds the final record's place
-
-  copyKept(Directory::streetPatternsRba, 18 * refWord(Directory::streetPatternsCount));
-  copyKept(Directory::pobPatternsRba, 18 * refWord(Directory::pobPatternsCount));
-  copyKept(Directory::rrPatternsRba, 18 * refWord(Directory::rrPatternsCount));
-  copyKept(Directory::streetNamesRba, refWord(Directory::streetNamesBytes));
-  if (!copyCityTables()) return -1;
-  copyNameTables();
-  if (inError(pProcObj->files->reference)) return -1;
-  return loadIndexTables() ? 0 : -1;
+  for (const Step& step : kSteps) {
+    if (!take(step, *record)) return -1;
+  }
+  return 0;
 }
 
 bool refCopyOutOfMemory() { return outOfMemory; }
 
-std::int32_t readCityData4SC1() {
-  return load({logsite::kCityData, "City Data Table", "City Data", kSlotCityData, -2},
-              std::uint64_t{36} * refWord(Directory::cityDataCount),
-              refWord(Directory::cityDataRba));
-}
+std::int32_t readCityData4SC1() { return loadTable(kCityData); }
 
 std::int32_t readCityData4SC2() {
-  constexpr char kRbas[] = "City Multiple Zip RBAs";
-  constexpr char kFinance[] = "Zip Finance Multi Zip Data";
-  const std::int32_t status =
-      load({logsite::kCityMultiZipRbas, kRbas, kRbas, kSlotCityMultiZipRbas, -2},
-           std::uint64_t{28} * refWord(Directory::cityMultiZipRbasCount),
-           refWord(Directory::cityMultiZipRbasRba));
-  if (status != 0) return status;
-  return load({logsite::kFinMultiZipRbas, kFinance, kFinance, kSlotFinMultiZip, -5},
-              std::uint64_t{8} * refWord(Directory::finMultiZipRbasCount),
-              refWord(Directory::finMultiZipRbasRba));
+  const std::int32_t status = loadTable(kCityMultiZipRbas);
+  return status != 0 ? status : loadTable(kFinMultiZipRbas);
 }
 
-std::int32_t readZipData4SC1() {
-  constexpr char kName[] = "Zip Code Data";
-  return load({logsite::kZipCodeData, kName, kName, kSlotZipData, -5},
-              std::uint64_t{52} * refWord(Directory::zipDataCount), refWord(Directory::zipDataRba));
-}
+std::int32_t readZipData4SC1() { return loadTable(kZipData); }
 
-std::int32_t readZipData4SC2() {
-  constexpr char kName[] = "Zip Code Index";
-  return load({logsite::kZipCodeIndex, kName, kName, kSlotZipIndex, -5}, kZipIndexBytes,
-              refWord(Directory::zipIndexRba));
-}
+std::int32_t readZipData4SC2() { return loadTable(kZipIndex); }
 
 }  // namespace statecut

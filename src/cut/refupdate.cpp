@@ -16,7 +16,10 @@ namespace statecut {
 
 namespace {
 
-constexpr std::int32_t kStateBytes = 2;
+constexpr std::int32_t kStateBytes = CityNameRow::state.width;
+constexpr std::int64_t kNameBytes = CityNameRow::size;
+constexpr std::int64_t kByStateBytes = CityByStateRow::size;
+constexpr std::int64_t kPhoneticBytes = CityPhoneticRow::size;
 
 // How often the most frequent state stands in the list: the records by state of a state that is
 // given twice are appended twice.
@@ -125,15 +128,15 @@ std::int32_t createNewRefDb() {
 
   scCityNames =
       static_cast<CityNameRow*>(newTable(logsite::kNewCityNames, logsite::kNewCityNamesFailed,
-                                         "New City Names", names * 34, nameRoom));
+                                         "New City Names", names * kNameBytes, nameRoom));
   if (scCityNames == nullptr) return -1;
   scCityNamesByState = static_cast<CityByStateRow*>(
       newTable(logsite::kNewCityNamesByState, logsite::kNewCityNamesByStateFailed,
-               "New City Names By State", names * 34 - 34, byStateRoom));
+               "New City Names By State", (names - 1) * kByStateBytes, byStateRoom));
   if (scCityNamesByState == nullptr) return -1;
   scCityPhonetics = static_cast<CityPhoneticRow*>(
       newTable(logsite::kNewCityPhonetics, logsite::kNewCityPhoneticsFailed, "New City Phonetics",
-               phonetics * 26, phoneticRoom));
+               phonetics * kPhoneticBytes, phoneticRoom));
   return scCityPhonetics == nullptr ? -1 : 0;
 }
 

@@ -1,25 +1,16 @@
 #pragma once
-// What the steps of a cut share: the output streams, the running byte counts, the work tables and
-// the source control record. One cut a process, one thread.
+// What the steps of a cut share. One cut a process, one thread. Each member says who fills it and
+// who reads it; all are set by the cut, none by the lookups.
 
 #include <cstdint>
 
 #include "base/procobj.h"
 #include "base/stream.h"
 #include "dbfiles/controlrec.h"
+#include "tables/directory.h"
 #include "tables/rows.h"
 
 namespace statecut {
-
-inline constexpr std::uint32_t kZipCodes = 100000;
-inline constexpr std::uint32_t kZipIndexBytes = 2 * kZipCodes;
-
-// An entry of a ZIP code index: a ZIP key, 0 = no such ZIP code.
-struct ZipIndexRow : Row<2> {
-  static constexpr Num<0, 2> zipKey{"zipKey", "position in the ZIP data table"};
-  static constexpr auto fields = std::tuple(zipKey);
-};
-STATECUT_ROW(ZipIndexRow, 2);
 
 // The multi-ZIP partition of one key.
 struct MultiZipKey {
@@ -28,40 +19,49 @@ struct MultiZipKey {
   std::uint32_t newRba;  // in the cut range database, 0 = not written
 };
 
+// The outputs: opened by cutstate, written by blockcopy and refwrite (the range file by rangeplan,
+// too), watched and closed by guards.
 extern Stream* newRefDb;
 extern Stream* newRangeDb;
-extern std::uint32_t totalBytes;     // written to newRefDb: the RBA of the next table
-extern std::uint32_t totalRngBytes;  // written to newRangeDb: the RBA of the next partition
 
-// Work tables, null until made; owned here, released by closeDbs.
-extern ZipIndexRow* scZipCodeIndex;         // kZipCodes entries
-extern CityNameRow* scCityNames;            // record 0 blank
-extern CityByStateRow* scCityNamesByState;  // no blank record
-extern CityPhoneticRow* scCityPhonetics;    // record 0 blank
-extern std::uint32_t* cityKeys;             // per city: its names in the cut, 0 = not in the cut
-extern MultiZipKey* multiZipKeys;           // by multi-ZIP key
-extern std::uint32_t* cityNameMap;          // source position to new position, 0 = dropped
-extern std::uint32_t* cityPhNameMap;        // the same for the city phonetics
+// Bytes written to each output, the RBA of what comes next. totalBytes: set to 0 by refcopy, raised
+// by refwrite and blockcopy, read by both where a table's RBA is stored. totalRngBytes: set by
+// refwrite to the control record's bytes, raised and read by rangecopy and multizip.
+extern std::uint32_t totalBytes;
+extern std::uint32_t totalRngBytes;
 
-// The source's name counts, which bound the maps; the control record's own become the cut's.
+// The work tables, null until made; owned here, released by closeDbs.
+// Made and filled by zipselect, read by it for every walk over the ZIP codes, written by refwrite.
+extern ZipIndexRow* scZipCodeIndex;  // kZipCodes entries
+// Made and filled by refupdate, written by refwrite; scCityNames also read by multizip. In each but
+// the one by state record 0 is blank.
+extern CityNameRow* scCityNames;
+extern CityByStateRow* scCityNamesByState;
+extern CityPhoneticRow* scCityPhonetics;
+// Made, filled and read by multizip: per city its names in the cut, 0 = not in the cut; per
+// multi-ZIP key its partition, for one kind of partition at a time.
+extern std::uint32_t* cityKeys;
+extern MultiZipKey* multiZipKeys;
+// Source position to new position, 0 = dropped. Made, filled and read by refupdate; that of the
+// names also read by multizip.
+extern std::uint32_t* cityNameMap;
+extern std::uint32_t* cityPhNameMap;
+
+// The source's name counts, which bound the maps: taken by refupdate before the control record's
+// own become the cut's, read by it and, those of the names, by multizip.
 extern std::uint32_t sourceCityNames;
 extern std::uint32_t sourceCityPhonetics;
-
-// The reference control record in memory, or null.
-[[nodiscard]] inline RefControlRec* refControl() {
-  return pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
-}
 
 // A word of the reference control record, 0 without a record.
 template <std::size_t At>
 std::uint32_t refWord(Num<At, 4> field) {
-  const RefControlRec* record = refControl();
+  const RefControlRec* record = refRecord();
   return record == nullptr ? 0 : record->get(field);
 }
 
 template <std::size_t At>
 void setRefWord(Num<At, 4> field, std::uint32_t value) {
-  if (RefControlRec* record = refControl(); record != nullptr) record->set(field, value);
+  if (RefControlRec* record = refRecord(); record != nullptr) record->set(field, value);
 }
 
 }  // namespace statecut

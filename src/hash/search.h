@@ -55,7 +55,9 @@ constexpr NameLayout packedNames(SlotNumber slot, std::size_t rbaAt, std::size_t
 
 // The same behind 4 more bytes, with a flag in the length byte.
 constexpr NameLayout flaggedNames(SlotNumber slot, std::size_t rbaAt, std::size_t boundAt) {
-  return {slot, 1, 4, 5, 0x7F, 0, 127, rbaAt, boundAt, 4, 29, 4};
+  constexpr std::uint32_t kLengthAt = VariationRow::flag.at;
+  return {slot, 1,     kLengthAt, VariationRow::size, 0x7F, 0,
+          127,  rbaAt, boundAt,   kLengthAt,          29,   kLengthAt};
 }
 
 // Records with a state before the name. The length byte is unsigned, so a name may run on past its

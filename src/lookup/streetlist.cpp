@@ -4,6 +4,7 @@
 
 #include "lookup/street.h"
 #include "lookup/support.h"
+#include "tables/rows.h"
 
 namespace statecut {
 
@@ -11,10 +12,10 @@ std::array<std::uint32_t, kKeyListMax> keyList{};
 
 namespace {
 
-constexpr std::size_t kCountBytes = 2;
-constexpr std::size_t kKeyBytes = 4;
-constexpr std::size_t kScfBytes = 2;
-constexpr std::uint32_t kMaxEntryBytes = 4 + 1 + 127 * 2;
+constexpr std::size_t kCountBytes = StreetListRow::size;
+constexpr std::size_t kKeyBytes = StreetListEntryRow::streetKey.width;
+constexpr std::size_t kScfBytes = KeyRow::size;
+constexpr std::uint32_t kMaxEntryBytes = StreetListEntryRow::size + 127 * KeyRow::size;
 
 // The SCF keys behind an entry; a negative count stands for none.
 std::uint32_t scfKeysOf(std::uint8_t scfCount) {

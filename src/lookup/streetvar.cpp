@@ -19,14 +19,6 @@ constexpr std::int32_t kMaxKey = 28;
 constexpr std::int32_t kMaxScfKeys = 5;
 constexpr std::int32_t kAddLimit = 500;  // of the in-memory lookup, before it adds
 
-// An entry of the index data: a street key, or with a negative flag the offset of a list.
-struct VariationRow : Row<5> {
-  static constexpr Num<0, 4> value{"value", "street key, or offset in the list data"};
-  static constexpr Num<4, 1> flag{"flag", "signed; negative = ambiguous"};
-  static constexpr auto fields = std::tuple(value, flag);
-};
-STATECUT_ROW(VariationRow, 5);
-
 std::int8_t flagOf(const VariationRow& entry) {
   return static_cast<std::int8_t>(entry.get(VariationRow::flag));
 }

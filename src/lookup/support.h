@@ -8,6 +8,7 @@
 #include "dbfiles/controlrec.h"
 #include "log/utllgmsg.h"
 #include "tables/dbapi.h"
+#include "tables/directory.h"
 #include "tables/refpointers.h"
 
 namespace statecut {
@@ -48,11 +49,6 @@ class Trace {
   LogSource source_;
   const char* name_;
 };
-
-// The reference control record of the processing object, or null.
-[[nodiscard]] inline const RefControlRec* refRecord() {
-  return pProcObj == nullptr ? nullptr : pProcObj->refControlRec;
-}
 
 // The open reference file of `proc`, or null.
 [[nodiscard]] Stream* refStream(const ProcObj* proc);

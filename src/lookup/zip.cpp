@@ -181,7 +181,8 @@ const KeyRow* dbGetMultiZipsOff(std::uint32_t count, std::uint32_t start) {
   // Keyed by the start alone: a larger count gets the list read before. Meant.
   if (index == lastKey) return trace.leave(zipListBuff.data());
   // The file offset steps by 4 an index, the address in memory by 2. Meant.
-  const std::uint32_t rba = entryRba(ref->get(RefControlRec::multiZipListsRba), index, 4);
+  const std::uint32_t rba = entryRba(ref->get(RefControlRec::multiZipListsRba), index,
+                                     tableLine(TableId::kMultiZipLists).width);
   const std::size_t bytes = std::min(count, kMultiZipsMax) * KeyRow::size;
   auto list = zipListBuff;  // what a failed read leaves is no list for the calls to come
   if (!readCached(rba, static_cast<std::int32_t>(bytes), list.data())) return nullptr;

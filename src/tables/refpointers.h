@@ -56,6 +56,7 @@ enum SlotNumber : std::size_t {
   kSlotPobZones = 44,
   kSlotCount = 45
 };
+inline constexpr SlotNumber kNoSlot = kSlotCount;
 
 extern std::array<RefSlot, kSlotCount> refPointers;
 

@@ -111,6 +111,13 @@ struct ZipBytesRow : Row<12> {
 };
 STATECUT_ROW(ZipBytesRow, 12);
 
+// An entry of a ZIP code index: a ZIP key, 0 = no such ZIP code.
+struct ZipIndexRow : Row<2> {
+  static constexpr Num<0, 2> zipKey{"zipKey", "position in the ZIP data table"};
+  static constexpr auto fields = std::tuple(zipKey);
+};
+STATECUT_ROW(ZipIndexRow, 2);
+
 // The two forms of an entry of the multi-ZIP bytes tables.
 struct MultiZipBytesShort : Row<6> {
   static constexpr Num<0, 2> key{"key", "multi-ZIP key"};
@@ -125,6 +132,30 @@ struct MultiZipBytesLong : Row<8> {
   static constexpr auto fields = std::tuple(key, bytes_);
 };
 STATECUT_ROW(MultiZipBytesLong, 8);
+
+// What stands before the text of a street's phonetic or standardized form: a street key, or with a
+// negative flag the offset of a list. The flag's other bits are the length of the text.
+struct VariationRow : Row<5> {
+  static constexpr Num<0, 4> value{"value", "street key, or offset in the list data"};
+  static constexpr Num<4, 1> flag{"flag", "signed; negative = ambiguous"};
+  static constexpr auto fields = std::tuple(value, flag);
+};
+STATECUT_ROW(VariationRow, 5);
+
+// A list of ambiguous streets: the number of its entries, then the entries, each before its SCF
+// keys.
+struct StreetListRow : Row<2> {
+  static constexpr Num<0, 2> entries{"entries", "number of entries"};
+  static constexpr auto fields = std::tuple(entries);
+};
+STATECUT_ROW(StreetListRow, 2);
+
+struct StreetListEntryRow : Row<5> {
+  static constexpr Num<0, 4> streetKey{"streetKey", "byte offset in the street names"};
+  static constexpr Num<4, 1> scfCount{"scfCount", "signed; SCF keys behind it"};
+  static constexpr auto fields = std::tuple(streetKey, scfCount);
+};
+STATECUT_ROW(StreetListEntryRow, 5);
 
 struct HashSlotRow : Row<7> {
   static constexpr Num<0, 1> count{"count", "names in this slot"};
@@ -144,7 +175,7 @@ STATECUT_ROW(HashOverflowRow, 6);
 
 // A 16-bit key of the key lists.
 struct KeyRow : Row<2> {
-  static constexpr Num<0, 2> key{"key", "a ZIP, city or finance key"};
+  static constexpr Num<0, 2> key{"key", "a ZIP, city, finance or SCF key"};
   static constexpr auto fields = std::tuple(key);
 };
 STATECUT_ROW(KeyRow, 2);

@@ -10,12 +10,12 @@ namespace {
 
 constexpr LogSource kDbapi{"dbapi", 1000};
 
-std::uint32_t wordAt(const RefControlRec& record, std::size_t at) {
-  return le::get<4>(record.bytes.data() + at);
+const char* errorNameOf(const TableLoad& table) {
+  return table.errorName == nullptr ? table.logName : table.errorName;
 }
 
-std::int32_t allocationFailed(const TableInfo& table, ProcObj* proc) {
-  const char* const name = table.allocName == nullptr ? table.logName : table.allocName;
+std::int32_t allocationFailed(const TableLoad& table, ProcObj* proc) {
+  const char* const name = table.allocName == nullptr ? errorNameOf(table) : table.allocName;
   if (table.reports == Reports::kErrors) {
     memoryError(name, proc);
   } else {
@@ -28,36 +28,34 @@ std::int32_t allocationFailed(const TableInfo& table, ProcObj* proc) {
   return table.code;
 }
 
-std::int32_t readFailed(const TableInfo& table, ProcObj* proc) {
-  const char* const name = table.readName == nullptr ? table.logName : table.readName;
+std::int32_t readFailed(const TableLoad& table, ProcObj* proc) {
   if (table.reports == Reports::kErrors) {
-    readRefError(name, proc);
+    readRefError(errorNameOf(table), proc);
   } else {
-    readRefWarning(name, proc);
+    readRefWarning(errorNameOf(table), proc);
   }
   return table.code;
 }
 
-std::int32_t loadTable(const TableInfo& table, Stream* file, const RefControlRec* record,
+std::int32_t loadTable(const TableLoad& table, Stream* file, const RefControlRec* record,
                        ProcObj* proc) {
-  const RefControlRec* const sizes = table.size.fromContext ? proc->refControlRec : record;
+  const RefControlRec* const sizes = table.lengthOfContext ? proc->refControlRec : record;
   if (record == nullptr || sizes == nullptr) return readFailed(table, proc);
 
-  const std::int64_t units =
-      table.size.wordAt == TableSize::kNoWord ? 1 : std::int64_t{wordAt(*sizes, table.size.wordAt)};
-  const std::int64_t bytes = units * std::int64_t{table.size.unit} + table.size.extra;
-  const std::uint32_t rba = wordAt(*record, table.rbaAt);
+  const TableLine& line = tableLine(table.table);
+  const std::int64_t bytes = tableBytes(*sizes, table.table);
+  const std::uint32_t rba = wordAt(*record, line.rbaAt);
   if (table.absentAtZero && rba == 0 && bytes != 0) {
-    refPointers[table.slot].table = nullptr;
+    refPointers[line.slot].table = nullptr;
     return readFailed(table, proc);
   }
   // A negative size becomes a huge one, which is never allocated.
   void* const block = allocTable(static_cast<std::uint64_t>(bytes));
-  refPointers[table.slot].table = static_cast<unsigned char*>(block);
+  refPointers[line.slot].table = static_cast<unsigned char*>(block);
   if (block == nullptr) return allocationFailed(table, proc);
 
   logTableSize(table.logName, static_cast<std::uint64_t>(bytes), proc);
-  // A buffer that could not be read stays in its slot; that is meant.
+  // Deliberate: a buffer that could not be read stays in its slot.
   if (dbReadFile(file, rba, static_cast<std::int32_t>(bytes), block, proc) < 0 || streamError(file))
     return readFailed(table, proc);
   return 0;
@@ -70,11 +68,11 @@ void logTableSize(const char* name, std::uint64_t bytes, ProcObj* proc) {
                  kMsgSize, name, static_cast<std::int32_t>(bytes));
 }
 
-std::int32_t loadTables(const char* reader, std::span<const TableInfo> tables, Stream* file,
+std::int32_t loadTables(const char* reader, std::span<const TableLoad> tables, Stream* file,
                         const RefControlRec* controlRecord, ProcObj* proc) {
   if (proc == nullptr) return tables.front().code;
   traceEntering(proc, kDbapi, __LINE__, reader);
-  for (const TableInfo& table : tables) {
+  for (const TableLoad& table : tables) {
     const std::int32_t code = loadTable(table, file, controlRecord, proc);
     if (code != 0) return code;
   }

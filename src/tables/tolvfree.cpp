@@ -6,7 +6,7 @@
 #include "base/memory.h"
 #include "dbfiles/controlrec.h"
 #include "log/utllgmsg.h"
-#include "tables/refpointers.h"
+#include "tables/directory.h"
 
 namespace statecut {
 
@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint32_t kReasonNotFreed = 20999;
 
 struct Held {
-  SlotNumber slot;
+  TableId table;
   const char* name;  // logged when the slot is empty
 };
 
@@ -25,7 +25,7 @@ enum class After : std::uint8_t { kKeepPointers, kZeroSlots };
 
 std::int32_t release(ProcObj* proc, std::span<const Held> tables, After after) {
   for (const Held& held : tables) {
-    unsigned char*& table = refPointers[held.slot].table;
+    unsigned char*& table = refPointers[tableLine(held.table).slot].table;
     if (table == nullptr) {
       memoryWarn(held.name, proc);
       continue;
@@ -62,92 +62,94 @@ void memoryWarn(const char* name, ProcObj* proc) {
 }
 
 std::int32_t free1(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotSfhPatterns, "Street Pattern"},
-                               {kSlotPobPatterns, "Street POB"},
-                               {kSlotRrPatterns, "Street Rural Route"}});
+  return releaseKeeping(proc, {{TableId::kStreetPatterns, "Street Pattern"},
+                               {TableId::kPobPatterns, "Street POB"},
+                               {TableId::kRrPatterns, "Street Rural Route"}});
 }
 
 std::int32_t free2(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotCityData, "City Data"},
-                               {kSlotCityMultiZip, "City Multi Zip"},
-                               {kSlotCityMultiFinance, "City Multi Finance"},
-                               {kSlotCityMultiZipRbas, "City Multi Zip RBAs"}});
+  return releaseKeeping(proc, {{TableId::kCityData, "City Data"},
+                               {TableId::kCityMultiZipLists, "City Multi Zip"},
+                               {TableId::kCityMultiFinanceLists, "City Multi Finance"},
+                               {TableId::kCityMultiZipRbas, "City Multi Zip RBAs"}});
 }
 
 std::int32_t free3(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotCityNames, "City Name Index"}});
+  return releaseKeeping(proc, {{TableId::kCityNames, "City Name Index"}});
 }
 
 std::int32_t free4(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotCityPhonetics, "City Name Index Phonetic"}});
+  return releaseKeeping(proc, {{TableId::kCityPhonetics, "City Name Index Phonetic"}});
 }
 
 std::int32_t free5(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotZipData, "Zip Code Data"},
-                               {kSlotZipIndex, "Zip Code Index"},
-                               {kSlotZipMultiCity, "Zip Multi City Data"},
-                               {kSlotFinMultiZip, "Zip Finance Multi Zip Data"}});
+  return releaseKeeping(proc, {{TableId::kZipData, "Zip Code Data"},
+                               {TableId::kZipIndex, "Zip Code Index"},
+                               {TableId::kZipMultiCityLists, "Zip Multi City Data"},
+                               {TableId::kFinMultiZipRbas, "Zip Finance Multi Zip Data"}});
 }
 
 std::int32_t free6(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotUniqueZips, "Unique Zip Index"}});
+  return releaseKeeping(proc, {{TableId::kUniqueZips, "Unique Zip Index"}});
 }
 
-std::int32_t free7(ProcObj* proc) { return releaseKeeping(proc, {{kSlotCounties, "County Data"}}); }
+std::int32_t free7(ProcObj* proc) {
+  return releaseKeeping(proc, {{TableId::kCounties, "County Data"}});
+}
 
 std::int32_t free8(ProcObj* proc) {
-  return releaseKeeping(
-      proc, {{kSlotUrbs, "URB Data USPS"}, {kSlotUrbMultiZip, "URB MultiZip Data USPS"}});
+  return releaseKeeping(proc, {{TableId::kUrbs, "URB Data USPS"},
+                               {TableId::kUrbMultiZipLists, "URB MultiZip Data USPS"}});
 }
 
 std::int32_t free9(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotUrbVariations, "URB Data Variations"}});
+  return releaseKeeping(proc, {{TableId::kUrbVariations, "URB Data Variations"}});
 }
 
 std::int32_t free10(ProcObj* proc) {
   if (isOff(proc, &OptionsRecord::streetNamesMemory)) return 0;
-  return releaseKeeping(proc, {{kSlotStreetNames, "Street Name Index USPS"}});
+  return releaseKeeping(proc, {{TableId::kStreetNames, "Street Name Index USPS"}});
 }
 
 std::int32_t free11(ProcObj* proc) {
-  return releaseZeroing(proc, {{kSlotStreetPhoneticAmb, "Street Name Data Phonetic"},
-                               {kSlotStreetPhonetics, "Street Name Index Phonetic"}});
+  return releaseZeroing(proc, {{TableId::kStreetPhoneticAmb, "Street Name Data Phonetic"},
+                               {TableId::kStreetPhonetics, "Street Name Index Phonetic"}});
 }
 
 std::int32_t free12(ProcObj* proc) {
-  return releaseZeroing(proc, {{kSlotStreetStandardAmb, "Street Name Data Standard"},
-                               {kSlotStreetStandards, "Street Name Index Standard"}});
+  return releaseZeroing(proc, {{TableId::kStreetStandardAmb, "Street Name Data Standard"},
+                               {TableId::kStreetStandards, "Street Name Index Standard"}});
 }
 
 std::int32_t free13(ProcObj* proc) {
   if (isOff(proc, &OptionsRecord::firmMemory)) return 0;
-  return releaseKeeping(proc, {{kSlotFirms, "Firm Data"}});
+  return releaseKeeping(proc, {{TableId::kFirms, "Firm Data"}});
 }
 
 std::int32_t free14(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotGeneralDelivery, "General Delivery"}});
+  return releaseKeeping(proc, {{TableId::kGeneralDelivery, "General Delivery"}});
 }
 
 std::int32_t free16(ProcObj* proc) {
-  return releaseKeeping(proc, {{kSlotMultiZip, "Multi Zip Table"}});
+  return releaseKeeping(proc, {{TableId::kMultiZipLists, "Multi Zip Table"}});
 }
 
 std::int32_t free18(ProcObj* proc) {
   dropHashMask();
-  return releaseZeroing(proc,
-                        {{kSlotHashTable, "Hash Names"}, {kSlotHashOverflow, "Hash Overflow"}});
+  return releaseZeroing(
+      proc, {{TableId::kHashTable, "Hash Names"}, {TableId::kHashOverflow, "Hash Overflow"}});
 }
 
 std::int32_t freeMilitary(ProcObj* proc) {
   // Only the count of the first part is tested; that is meant.
   if (le::get<2>(refPointers[kSlotMilitaryHeader].bytes) == 0) return 0;
   refPointers[kSlotMilitarySecond].table = nullptr;  // points into the block of the first part
-  return releaseZeroing(proc, {{kSlotMilitary, "Military Alias"}});
+  return releaseZeroing(proc, {{TableId::kMilitary, "Military Alias"}});
 }
 
 std::int32_t freePBZones(ProcObj* proc) {
   if (le::get<2>(refPointers[kSlotPobZoneCount].bytes) == 0) return 0;
-  return releaseKeeping(proc, {{kSlotPobZones, "PO BOX Zones"}});
+  return releaseKeeping(proc, {{TableId::kPobZones, "PO BOX Zones"}});
 }
 
 std::int32_t dbTerminate(ProcObj* proc) {

@@ -5,6 +5,7 @@
 #include "dbfiles/apiutil.h"
 #include "query/lists.h"
 #include "query/ops.h"
+#include "tables/directory.h"
 
 namespace statecut::query {
 
@@ -32,9 +33,8 @@ void zipDataFromKey(Session&, const Args& args, Answer& answer) {
 void cityKeys(Session& session, const Args& args, Answer& answer) {
   const ZipDataRow* zip = dbGetZipDataFromKey(args[0].asSigned());
   if (zip == nullptr) return answer.null("keys");
-  // The table is loaded with 4 bytes an entry.
-  const std::uint64_t bytes =
-      std::uint64_t{session.ref().get(RefControlRec::zipMultiCityListsCount)} * 4;
+  const auto bytes =
+      static_cast<std::uint64_t>(tableBytes(session.ref(), TableId::kZipMultiCityLists));
   writeKeys(answer, dbGetCityKeysPtr(zip), zip->get(ZipDataRow::cityKeysCount),
             {kSlotZipMultiCity, bytes});
 }
@@ -49,8 +49,7 @@ void zipFinMltZpRba(Session&, const Args& args, Answer& answer) {
 }
 
 void multiZips(Session& session, const Args& args, Answer& answer) {
-  const std::uint64_t bytes =
-      std::uint64_t{session.ref().get(RefControlRec::multiZipListsCount)} * 4;
+  const auto bytes = static_cast<std::uint64_t>(tableBytes(session.ref(), TableId::kMultiZipLists));
   writeKeys(answer, dbGetMultiZips(args[0].number, args[1].number),
             std::min(args[0].number, kMultiZipsMax), {kSlotMultiZip, bytes});
 }

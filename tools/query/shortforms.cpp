@@ -7,6 +7,7 @@
 
 #include "query/lists.h"
 #include "query/loading.h"
+#include "tables/directory.h"
 
 namespace statecut::query {
 
@@ -54,8 +55,8 @@ std::vector<std::uint16_t> cityKeysOf(Session& session, const ZipDataRow* zip) {
   const KeyRow* keys = dbGetCityKeysPtr(zip);
   if (keys == nullptr) return {};
   const std::size_t count = zip->get(ZipDataRow::cityKeysCount);
-  const std::uint64_t bytes =
-      std::uint64_t{session.ref().get(RefControlRec::zipMultiCityListsCount)} * 4;
+  const auto bytes =
+      static_cast<std::uint64_t>(tableBytes(session.ref(), TableId::kZipMultiCityLists));
   const auto list = listBytes(keys->bytes.data(), count * KeyRow::size, {kSlotZipMultiCity, bytes});
   std::vector<std::uint16_t> values(count);
   for (std::size_t i = 0; i < count; ++i) values[i] = le::get<2>(list.data() + i * KeyRow::size);

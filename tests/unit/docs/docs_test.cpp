@@ -91,6 +91,16 @@ TEST(FormatDocument, AChangedTableIsNoticed) {
   EXPECT_NE(document, withFieldTables(document));
 }
 
+TEST(FormatDocument, AChangedLineOfTheDirectoryIsNoticed) {
+  std::string document = slurp(kDocs + "format.md");
+  ASSERT_EQ(document, withFieldTables(document));
+  const std::string line = "| Firm names | +112 | +176 bytes | packed | copied |";
+  const std::size_t row = document.find(line);
+  ASSERT_NE(row, std::string::npos);
+  document.replace(row, line.size(), "| Firm names | +112 | +172 bytes | packed | copied |");
+  EXPECT_NE(document, withFieldTables(document));
+}
+
 TEST(FormatDocument, AMissingMarkerIsNoticed) {
   EXPECT_THROW(withFieldTables("# Nothing\n"), std::runtime_error);
 }

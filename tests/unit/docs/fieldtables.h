@@ -1,5 +1,6 @@
 #pragma once
-// The field tables of docs/format.md, rendered from the field lists that the code is built with.
+// The tables of docs/format.md, rendered from the field lists and the directory of the tables that
+// the code is built with.
 
 #include <string>
 #include <vector>
@@ -16,6 +17,11 @@ std::vector<FieldTable> fieldTables();
 
 std::string startMarker(const std::string& name);  // the line before a table
 std::string endMarker();                           // the line after it
+
+// The list of the reference tables, between markers of its own.
+std::string directoryTable();
+inline constexpr char kDirectoryStart[] = "<!-- directory of the tables -->\n";
+inline constexpr char kDirectoryEnd[] = "<!-- end of directory -->\n";
 
 // The document with the text between the markers of each table replaced by the table. Throws
 // std::runtime_error when a marker is missing.
