@@ -71,8 +71,8 @@ STATECUT_INLINE Entries entriesOf(unsigned char* slot, const RefControlRec& reco
   if ((static_cast<unsigned>(many) & static_cast<unsigned>(first + count > end)) != 0) [[unlikely]]
     return entriesWithin(slot, overflow, end);
   // A slot with one name holds its entry itself, laid out like those of the overflow table.
-  unsigned char* const starts[] = {slot + HashSlotRow::check.at,
-                                   overflow + (many ? first : 0) * HashOverflowRow::size};
+  const std::array starts = {slot + HashSlotRow::check.at,
+                             overflow + (many ? first : 0) * HashOverflowRow::size};
   return {starts[many ? 1 : 0], count};
 }
 
