@@ -1,6 +1,10 @@
 #include "lookup/dispatch.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "dbfiles/apiutil.h"
+#include "lookup/tablesets.h"
 
 namespace statecut {
 
@@ -30,108 +34,118 @@ UnusedLookup dbGetCountyDataFromKey = nullptr;
 UnusedLookup dbGetPattern = nullptr;
 UnusedLookup dbGetPatternKey = nullptr;
 
-void dbInitLookups() noexcept { dbLookupInstaller = installLookups; }
+namespace {
 
-void installLookups(ProcObj* proc) {
-  if (proc != nullptr) {
-    proc->pfnFindFirm = dbFindFirmFirst;
-    proc->pfnFindStreetKey = dbFindStreetFirst;
-    proc->pfnFindStreetVar = dbFindStreetVarFirst;
-    proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPSFirst;
-    proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSFirst;
-    proc->pfnFindCityIndex = dbFindCityIndexFirst;
-    proc->pfnFindTruncCityIndex = dbFindTruncCityIndexFirst;
-    proc->pfnGetCityUSPS = dbGetCityUSPSFirst;
-    proc->pfnGetCityUSPSwc = dbGetCityUSPSFirst;
-    proc->pfnSeqSearchCity = seqSearchCityFirst;
-    proc->pfnGetCityPh = dbGetCityPhFirst;
-    proc->pfnGetFirmName = dbGetFirmNameFirst;
-    proc->pfnFindCityNameIdx = dbFindCityNameIdxFirst;
-    proc->pfnFindCityPhIdx = findCityPhIdxFirst;
-    proc->pfnFindStreetVarIdx = dbFindStreetVarIdxFirst;
+enum class Variant { First, In, Off };
+
+template <auto first, auto in, auto off, typename Pointer>
+void hold(Pointer& pointer, Variant variant) {
+  if (variant == Variant::In) {
+    pointer = in;
+  } else if (variant == Variant::Off) {
+    pointer = off;
+  } else if constexpr (first != nullptr) {  // else an open keeps what it holds
+    pointer = first;
   }
-  dbFindCity = dbFindCityFirst;
-  dbFindTruncCity = dbFindTruncCityFirst;
-  dbFindCityPh = dbFindCityPhFirst;
-  findStreetVartn = findStreetVartnIn;
 }
 
-void installInLookups(ProcObj* proc) {
+template <auto pointer, auto first, auto in, auto off>
+void member(ProcObj& proc, Variant variant) {
+  hold<first, in, off>(proc.*pointer, variant);
+}
+
+template <auto& pointer, auto first, auto in, auto off>
+void global(Variant variant) {
+  hold<first, in, off>(pointer, variant);
+}
+
+// A global pointer, and the set of tables whose load decides its variant; kNoSet: the lookup has a
+// First variant, which decides by itself.
+struct Global {
+  std::uint32_t set;
+  void (*hold)(Variant variant);
+};
+constexpr std::uint32_t kNoSet = 0;
+
+// Every pointer with its variants: First, In, Off.
+constexpr void (*kMembers[])(ProcObj& proc, Variant variant) = {
+    member<&ProcObj::pfnFindFirm, dbFindFirmFirst, dbFindFirm, dbFindFirmOff>,
+    member<&ProcObj::pfnFindStreetKey, dbFindStreetFirst, dbFindStreetKey, dbFindStreetKeyOff>,
+    member<&ProcObj::pfnFindStreetVar, dbFindStreetVarFirst, dbFindStreetVar, dbFindStreetVar>,
+    member<&ProcObj::pfnGetStreetNameUSPS, dbGetStreetNameUSPSFirst, dbGetStreetNameUSPS,
+           dbGetStreetNameUSPSCacheOff>,
+    member<&ProcObj::pfnGetStreetNameUSPSwc, dbGetStreetNameUSPSFirst, dbGetStreetNameUSPS,
+           dbGetStreetNameUSPSCacheOffwc>,
+    member<&ProcObj::pfnFindCityIndex, dbFindCityIndexFirst, dbFindCityHashIn, dbFindCityHashOff>,
+    member<&ProcObj::pfnFindTruncCityIndex, dbFindTruncCityIndexFirst, dbFindTruncCityIndex,
+           dbFindTruncCityIdxOff>,
+    member<&ProcObj::pfnGetCityUSPS, dbGetCityUSPSFirst, dbGetCityUSPS, dbGetCityUSPSOff>,
+    member<&ProcObj::pfnGetCityUSPSwc, dbGetCityUSPSFirst, dbGetCityUSPS, dbGetCityUSPSOffwc>,
+    member<&ProcObj::pfnSeqSearchCity, seqSearchCityFirst, seqSearchCityIn, seqSearchCityOff>,
+    member<&ProcObj::pfnGetCityPh, dbGetCityPhFirst, dbGetCityPh, dbGetCityPhOff>,
+    member<&ProcObj::pfnGetFirmName, dbGetFirmNameFirst, dbGetFirmName, dbGetFirmNameCacheOff>,
+    member<&ProcObj::pfnFindCityNameIdx, dbFindCityNameIdxFirst, dbFindCityNameIdx,
+           dbFindCityNameIdxOff>,
+    member<&ProcObj::pfnFindCityPhIdx, findCityPhIdxFirst, findCityPhIdx, findCityPhIdxOff>,
+    member<&ProcObj::pfnFindStreetVarIdx, dbFindStreetVarIdxFirst, dbFindStreetVarIdx,
+           dbFindStreetVarIdxOff>,
+};
+constexpr Global kGlobals[] = {
+    {kZipSet, global<dbGetZipIndex, nullptr, dbGetZipIndexIn, dbGetZipIndexOff>},
+    {kZipSet, global<dbGetZipData, nullptr, dbGetZipDataIn, dbGetZipDataOff>},
+    {kZipSet, global<dbGetZipDataFromKey, nullptr, dbGetZipDataFromKeyIn, dbGetZipDataFromKeyOff>},
+    {kZipSet, global<dbGetCityKeysPtr, nullptr, dbGetCityKeysPtrIn, dbGetCityKeysPtrOff>},
+    {kCitySet, global<dbGetMultiZipFinRBA, nullptr, dbGetMultiZipFinRBAIn, dbGetMultiZipFinRBAOff>},
+    {kCitySet, global<dbGetZipFinMltZpRBA, nullptr, dbGetZipFinMltZpRBAIn, dbGetZipFinMltZpRBAOff>},
+    {kMultiZipSet, global<dbGetMultiZips, nullptr, dbGetMultiZipsIn, dbGetMultiZipsOff>},
+    {kNoSet, global<dbFindCity, dbFindCityFirst, dbFindCityIn, dbFindCityOff>},
+    {kNoSet, global<dbFindTruncCity, dbFindTruncCityFirst, dbFindTruncCityIn, dbFindTruncCityOff>},
+    {kCitySet, global<dbFindCityData, nullptr, dbFindCityDataIn, dbFindCityDataOff>},
+    {kCitySet, global<dbFindTruncCityData, nullptr, dbFindTruncCityDataIn, dbFindTruncCityDataOff>},
+    {kCitySet, global<dbGetCityData, nullptr, dbGetCityDataIn, dbGetCityDataOff>},
+    {kCitySet, global<dbGetCityZipKeyPtr, nullptr, dbGetCityZipKeyPtrIn, dbGetCityZipKeyPtrOff>},
+    {kCitySet, global<dbGetCityFinKeyPtr, nullptr, dbGetCityFinKeyPtrIn, dbGetCityFinKeyPtrOff>},
+    {kCitySet, global<dbGetCityMultiZipRBAData, nullptr, dbGetCityMultiZipRBADataIn,
+                      dbGetCityMultiZipRBADataOff>},
+    {kNoSet, global<dbFindCityPh, dbFindCityPhFirst, dbFindCityPhIn, dbFindCityPhOff>},
+    // Deliberate: an open makes this one hold its In variant.
+    {kNoSet, global<findStreetVartn, findStreetVartnIn, findStreetVartnIn, findStreetVartnOff>},
+    {kGeneralDeliverySet,
+     global<dbGetGenrlDelvry, nullptr, dbGetGenrlDelvryIn, dbGetGenrlDelvryOff>},
+};
+
+void holdAll(ProcObj* proc, Variant variant) {
   if (proc != nullptr) {
-    proc->pfnFindFirm = dbFindFirm;
-    proc->pfnFindStreetKey = dbFindStreetKey;
-    proc->pfnFindStreetVar = dbFindStreetVar;
-    proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPS;
-    proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPS;
-    proc->pfnFindCityIndex = dbFindCityHashIn;
-    proc->pfnFindTruncCityIndex = dbFindTruncCityIndex;
-    proc->pfnGetCityUSPS = dbGetCityUSPS;
-    proc->pfnGetCityUSPSwc = dbGetCityUSPS;
-    proc->pfnSeqSearchCity = seqSearchCityIn;
-    proc->pfnGetCityPh = dbGetCityPh;
-    proc->pfnGetFirmName = dbGetFirmName;
-    proc->pfnFindCityNameIdx = dbFindCityNameIdx;
-    proc->pfnFindCityPhIdx = findCityPhIdx;
-    proc->pfnFindStreetVarIdx = dbFindStreetVarIdx;
+    for (const auto& holdMember : kMembers) holdMember(*proc, variant);
   }
-  dbGetZipIndex = dbGetZipIndexIn;
-  dbGetZipData = dbGetZipDataIn;
-  dbGetZipDataFromKey = dbGetZipDataFromKeyIn;
-  dbGetCityKeysPtr = dbGetCityKeysPtrIn;
-  dbGetMultiZipFinRBA = dbGetMultiZipFinRBAIn;
-  dbGetZipFinMltZpRBA = dbGetZipFinMltZpRBAIn;
-  dbGetMultiZips = dbGetMultiZipsIn;
-  dbFindCity = dbFindCityIn;
-  dbFindTruncCity = dbFindTruncCityIn;
-  dbFindCityData = dbFindCityDataIn;
-  dbFindTruncCityData = dbFindTruncCityDataIn;
-  dbGetCityData = dbGetCityDataIn;
-  dbGetCityZipKeyPtr = dbGetCityZipKeyPtrIn;
-  dbGetCityFinKeyPtr = dbGetCityFinKeyPtrIn;
-  dbGetCityMultiZipRBAData = dbGetCityMultiZipRBADataIn;
-  dbFindCityPh = dbFindCityPhIn;
-  findStreetVartn = findStreetVartnIn;
-  dbGetGenrlDelvry = dbGetGenrlDelvryIn;
+  for (const Global& one : kGlobals) one.hold(variant);
+}
+
+}  // namespace
+
+void dbInitLookups() noexcept { dbLookupInstaller = installLookups; }
+
+void installLookups(ProcObj* proc) { holdAll(proc, Variant::First); }
+
+void installInLookups(ProcObj* proc) {
+  holdAll(proc, Variant::In);
   fillStreetVariations(proc, false);
 }
 
 void installOffLookups(ProcObj* proc) {
-  if (proc != nullptr) {
-    proc->pfnFindFirm = dbFindFirmOff;
-    proc->pfnFindStreetKey = dbFindStreetKeyOff;
-    proc->pfnFindStreetVar = dbFindStreetVar;
-    proc->pfnGetStreetNameUSPS = dbGetStreetNameUSPSCacheOff;
-    proc->pfnGetStreetNameUSPSwc = dbGetStreetNameUSPSCacheOffwc;
-    proc->pfnFindCityIndex = dbFindCityHashOff;
-    proc->pfnFindTruncCityIndex = dbFindTruncCityIdxOff;
-    proc->pfnGetCityUSPS = dbGetCityUSPSOff;
-    proc->pfnGetCityUSPSwc = dbGetCityUSPSOffwc;
-    proc->pfnSeqSearchCity = seqSearchCityOff;
-    proc->pfnGetCityPh = dbGetCityPhOff;
-    proc->pfnGetFirmName = dbGetFirmNameCacheOff;
-    proc->pfnFindCityNameIdx = dbFindCityNameIdxOff;
-    proc->pfnFindCityPhIdx = findCityPhIdxOff;
-    proc->pfnFindStreetVarIdx = dbFindStreetVarIdxOff;
-  }
-  dbGetZipIndex = dbGetZipIndexOff;
-  dbGetZipData = dbGetZipDataOff;
-  dbGetZipDataFromKey = dbGetZipDataFromKeyOff;
-  dbGetCityKeysPtr = dbGetCityKeysPtrOff;
-  dbGetMultiZipFinRBA = dbGetMultiZipFinRBAOff;
-  dbGetZipFinMltZpRBA = dbGetZipFinMltZpRBAOff;
-  dbGetMultiZips = dbGetMultiZipsOff;
-  dbFindCity = dbFindCityOff;
-  dbFindTruncCity = dbFindTruncCityOff;
-  dbFindCityData = dbFindCityDataOff;
-  dbFindTruncCityData = dbFindTruncCityDataOff;
-  dbGetCityData = dbGetCityDataOff;
-  dbGetCityZipKeyPtr = dbGetCityZipKeyPtrOff;
-  dbGetCityFinKeyPtr = dbGetCityFinKeyPtrOff;
-  dbGetCityMultiZipRBAData = dbGetCityMultiZipRBADataOff;
-  dbFindCityPh = dbFindCityPhOff;
-  findStreetVartn = findStreetVartnOff;
-  dbGetGenrlDelvry = dbGetGenrlDelvryOff;
+  holdAll(proc, Variant::Off);
   fillStreetVariations(proc, true);
+}
+
+bool decidesVariants(std::uint32_t set) {
+  return std::any_of(std::begin(kGlobals), std::end(kGlobals),
+                     [set](const Global& one) { return one.set == set; });
+}
+
+void chooseVariants(std::uint32_t set, bool inMemory) {
+  for (const Global& one : kGlobals) {
+    if (one.set == set) one.hold(inMemory ? Variant::In : Variant::Off);
+  }
 }
 
 }  // namespace statecut

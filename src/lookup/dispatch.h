@@ -51,6 +51,11 @@ void installLookups(ProcObj* proc);
 void installInLookups(ProcObj* proc);
 void installOffLookups(ProcObj* proc);
 
+// The global pointers whose lookups have no First variant: the load of a set of tables (a TableSet)
+// decides whether they hold In or Off.
+[[nodiscard]] bool decidesVariants(std::uint32_t set);
+void chooseVariants(std::uint32_t set, bool inMemory);
+
 // True when the reference file could not be read, by any lookup since it was opened; *error is
 // errno of the first failure, 0 when the file became shorter. From then on every Off variant
 // answers "not found", in memory what was not loaded whole. Close the file and open it again to go

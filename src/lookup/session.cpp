@@ -155,9 +155,8 @@ bool Session::prepareNew(std::uint32_t sets) {
     if ((sets & set.set) == 0) continue;
     if (mode_ == LookupMode::kIn) {
       if (!loadSet(set, &proc_)) failed_ |= set.set;
-    } else if (!set.choices.empty()) {
-      const bool inMemory = loadSet(set, &proc_);
-      for (ChooseVariant* choose : set.choices) choose(inMemory);
+    } else if (decidesVariants(set.set)) {
+      chooseVariants(set.set, loadSet(set, &proc_));
     }
   }
   if (mode_ == LookupMode::kIn && (sets & (kStreetPhoneticSet | kStreetStandardSet)) != 0)

@@ -1,5 +1,5 @@
 #pragma once
-// Sets of tables that are loaded together, their readers and the lookups that a load decides.
+// Sets of tables that are loaded together, and their readers.
 
 #include <cstdint>
 #include <span>
@@ -26,14 +26,10 @@ enum TableSet : std::uint32_t {
 };
 inline constexpr std::uint32_t kLookupSets = kZipBytesSet - 1;  // all that lookups use
 
-// Makes one lookup pointer hold its In or its Off variant.
-using ChooseVariant = void(bool inMemory);
-
 struct SetReader {
   std::uint32_t set;  // a TableSet
   TableReader* reader;
-  std::span<const SlotNumber> slots;        // that the reader fills
-  std::span<ChooseVariant* const> choices;  // empty where lookups have First variants
+  std::span<const SlotNumber> slots;  // that the reader fills
 };
 
 [[nodiscard]] std::span<const SetReader> setReaders();
