@@ -27,9 +27,8 @@ void count(Group& group, std::uint32_t bytes) {
 void countZips(const verify::DerivedCut& cut, Plan& plan) {
   const auto zips = cut.source.records<ZipDataRow>(verify::TableId::ZipData);
   const auto sizes = cut.source.records<ZipBytesRow>(verify::TableId::ZipBytes);
-  for (const std::uint32_t key : cut.zipIndex) {
-    if (key == 0) continue;
-    ++plan.zips;
+  plan.zips = cut.zipKeys.size();
+  for (const std::uint32_t key : cut.zipKeys) {
     const ZipDataRow& zip = zips[key];
     const ZipBytesRow& bytes = sizes[key];
     if (zip.get(ZipDataRow::sfhRba) != 0) count(plan.single.sfh, bytes.get(ZipBytesRow::sfhBytes));

@@ -16,6 +16,7 @@ struct DerivedCut {
   std::vector<bool> stateChosen;  // by the two letters, see stateIndex
 
   std::vector<std::uint32_t> zipIndex;     // ZIP code -> ZIP key, 0 = not in the cut
+  std::vector<std::uint32_t> zipKeys;      // those of the index, in the order of the ZIP codes
   std::vector<bool> zipKept;               // by ZIP key
   std::vector<std::uint32_t> nameMap;      // source position -> position in the cut, 0 = dropped
   std::vector<std::uint32_t> phoneticMap;  // the same for city phonetic keys

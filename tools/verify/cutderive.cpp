@@ -21,7 +21,8 @@ void deriveZips(DerivedCut& cut) {
       cut.zipIndex[zip] = static_cast<std::uint32_t>(key & 0xFFFF);
   }
   for (const std::uint32_t key : cut.zipIndex)
-    if (key != 0) cut.zipKept[key] = true;
+    if (key != 0) cut.zipKeys.push_back(key);
+  for (const std::uint32_t key : cut.zipKeys) cut.zipKept[key] = true;
 }
 
 // Kept records keep their order behind the blank first record.
@@ -87,7 +88,7 @@ std::uint32_t keptCount(const std::vector<std::uint32_t>& map) {
 }
 
 DerivedCut deriveCut(const Pair& source, const std::vector<std::string>& states, CityScan scan) {
-  DerivedCut result{source, std::vector<bool>(65536, false), {}, {}, {}, {}, {}};
+  DerivedCut result{source, std::vector<bool>(65536, false), {}, {}, {}, {}, {}, {}};
   for (const std::string& state : states)
     result.stateChosen[stateIndex(reinterpret_cast<const unsigned char*>(state.data()))] = true;
   deriveZips(result);

@@ -107,8 +107,8 @@ MultiZipUse deriveMultiZipUse(const DerivedCut& cut, MultiZipKind kind) {
     if (cut.cityKept[city]) derivation.useCity(city);
   if (kind == MultiZipKind::Sfh) {
     const auto zips = cut.source.records<ZipDataRow>(TableId::ZipData);
-    for (const std::uint32_t key : cut.zipIndex)
-      if (key != 0) derivation.useFinance(zips[key].get(ZipDataRow::finMultiZipKey));
+    for (const std::uint32_t key : cut.zipKeys)
+      derivation.useFinance(zips[key].get(ZipDataRow::finMultiZipKey));
   }
   return derivation.take();
 }
