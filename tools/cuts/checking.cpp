@@ -39,6 +39,7 @@ void verifyProduct(const Source& source, const std::string& folder,
   options.sourceRef = source.ref;
   options.sourceRng = source.rng;
   for (const std::string& state : states) options.states += state + ",";
+  options.soundSource = source.sound;
   const verify::Report report = verify::check(options, error);
   if (!error.empty())
     error = "verify: " + error;
@@ -88,6 +89,15 @@ std::vector<std::string> logRecords(const std::string& path, const std::string& 
     if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
   }
   return texts;
+}
+
+bool isSound(const Source& source) {
+  format::exitOnLostPage();
+  verify::Options options;
+  options.ref = source.ref;
+  options.rng = source.rng;
+  std::string error;
+  return verify::check(options, error).clean() && error.empty();
 }
 
 FileRecord recordOfFile(const std::string& folder, const std::string& name, std::string& error) {

@@ -12,6 +12,7 @@ namespace statecut::cuts {
 struct Source {
   std::string ref;  // paths that lead there from any folder
   std::string rng;
+  bool sound = false;  // verified, and nothing wrong with it
 };
 
 // What the checks found out; `error` is empty when the product is good.
@@ -30,6 +31,9 @@ Checked parseChecked(const std::string& text);
 // and gives it its name.
 Checked checkAndPublish(const Source& source, const std::string& out, const std::string& product,
                         const std::vector<std::string>& states);
+
+// Whether verify finds nothing wrong with the source.
+bool isSound(const Source& source);
 
 // Size and digest of a file; `error` when it can't be read.
 FileRecord recordOfFile(const std::string& folder, const std::string& name, std::string& error);

@@ -112,9 +112,11 @@ bool Schedule::describeSource(const verify::Pair& pair, std::string& error) {
     };
   };
   sourceState_ = sourceState();
-  if (!callAll({digest(source_.ref), digest(source_.rng)}, digests)) return true;
-  manifest_.reference.file.sha256 = digests[0];
-  manifest_.range.file.sha256 = digests[1];
+  const auto sound = [this] { return std::string(isSound(source_) ? "sound" : ""); };
+  if (!callAll({digest(source_.rng), digest(source_.ref), sound}, digests)) return true;
+  manifest_.range.file.sha256 = digests[0];
+  manifest_.reference.file.sha256 = digests[1];
+  source_.sound = digests[2] == "sound";
   if (digests[0].empty() || digests[1].empty()) error = "the source can't be digested";
   return error.empty();
 }

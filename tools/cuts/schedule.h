@@ -60,7 +60,7 @@ class Schedule {
   [[nodiscard]] std::string partOf(const std::string& product) const;
 
   const Options& options_;
-  const Source& source_;
+  Source source_;
   const std::string& statecut_;
   const std::vector<plan::Named>& plans_;
   Signals signals_;

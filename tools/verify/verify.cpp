@@ -11,7 +11,7 @@ namespace {
 
 char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-void checkAlone(const Pair& pair, Report& report) {
+void checkAlone(const Pair& pair, bool names, Report& report) {
   checkForm(pair, report);
   checkStamps(pair, report);
   checkTables(pair, report);
@@ -29,7 +29,7 @@ void checkAlone(const Pair& pair, Report& report) {
   checkNamePacking(pair, report);
   checkStreetLinks(pair, report);
   checkStreetLists(pair, report);
-  checkHash(pair, report);
+  if (names) checkHash(pair, report);
   checkMultiZip(pair, report);
   checkMultiZipLists(pair, report);
   checkRangeLayout(pair, report);
@@ -96,7 +96,7 @@ Report check(const Options& options, std::string& error) {
     if (report.clean()) error = "nothing can be checked of files that are no database pair";
     return report;
   }
-  checkAlone(pair, report);
+  checkAlone(pair, !(options.withSource() && options.soundSource), report);
   if (states) checkCut(pair, source, *states, report);
   return report;
 }

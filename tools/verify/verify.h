@@ -19,6 +19,9 @@ struct Options {
   std::string states;
   std::vector<std::string> ignored;  // ids of rules that make no findings
   bool json = false;
+  // The source was checked and nothing is wrong with it: the name index of a cut is right when it
+  // is the source's, renumbered, and is not searched for each name again.
+  bool soundSource = false;
 
   bool withSource() const { return !sourceRef.empty() || !sourceRng.empty() || !states.empty(); }
 };
