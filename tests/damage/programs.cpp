@@ -182,7 +182,8 @@ void Programs::query(Program program) {
   }
   if (!session.pairMatches()) answers = "not a pair\n";
   for (const Query& query : queries_)
-    if (!query::answerWords(session, false, query, answers)) answers += "refused\n";
+    if (query::answerWords(session, false, query, answers) != query::Outcome::kAnswered)
+      answers += "refused\n";
 }
 
 }  // namespace statecut::test

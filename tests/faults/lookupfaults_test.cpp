@@ -167,7 +167,8 @@ class LookupFaults : public testing::TestWithParam<std::tuple<int, FaultKind>> {
       }
       for (std::size_t i = 0; i < calls.size() && !answers.ended; ++i) {
         std::string line;
-        const bool failed = !query::answerWords(session, false, calls[i], line);
+        const bool failed =
+            query::answerWords(session, false, calls[i], line) != query::Outcome::kAnswered;
         answers.given.push_back({std::move(line), failed});
       }
     } catch (const std::bad_alloc&) {

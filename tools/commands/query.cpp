@@ -19,6 +19,7 @@ struct QueryOptions {
   SessionSettings settings;
   std::string mode = "in";
   std::string cache;
+  std::string errors = "status";
   bool decode = false;
 };
 
@@ -41,11 +42,12 @@ bool parseCache(const std::string& text, SessionSettings& settings) {
          wholeNumber(std::string_view(text).substr(colon + 1), settings.cacheEntries);
 }
 
-int answerOne(Session& session, bool decode, const std::vector<std::string>& words) {
+int answerOne(Session& session, bool decode, query::Errors errors,
+              const std::vector<std::string>& words) {
   std::string answer;
-  const bool good = query::answerWords(session, decode, words, answer);
+  const query::Outcome outcome = query::answerWords(session, decode, words, answer);
   if (!query::writeAll(STDOUT_FILENO, answer)) return fail("cannot write the answer");
-  return good ? query::kDone : query::kFailed;
+  return query::statusOf(outcome, errors);
 }
 
 int runQuery(QueryOptions& options, const std::vector<std::string>& words) {
@@ -66,8 +68,10 @@ int runQuery(QueryOptions& options, const std::vector<std::string>& words) {
   if (!session.open(settings, error)) return fail(error);
   if (!session.pairMatches())
     std::fputs("statedb query: the range file is not of the same pair\n", stderr);
-  return words.empty() ? query::serve(session, options.decode, STDIN_FILENO, STDOUT_FILENO)
-                       : answerOne(session, options.decode, words);
+  const query::Errors errors =
+      options.errors == "answer" ? query::Errors::kAnswer : query::Errors::kStatus;
+  return words.empty() ? query::serve(session, options.decode, errors, STDIN_FILENO, STDOUT_FILENO)
+                       : answerOne(session, options.decode, errors, words);
 }
 
 std::string describeOps() {
@@ -81,9 +85,11 @@ std::string describeOps() {
     }
   }
   text +=
-      "Without OP: one JSON object a line on standard input, {\"op\": OP, \"args\": [ARG, ...]}.\n"
+      "Without OP: one JSON object a line on standard input, {\"op\": OP, \"args\": [ARG, ...]}; "
+      "an \"id\" comes back in the answer.\n"
       "Behind -- every word is an argument. MATCHER is contains, starts or ends, SCFS a list like "
-      "1,2.\nExit status: 0 answered, 1 a call that cannot be made, 2 cannot run.";
+      "1,2.\nExit status: 0 answered, 1 a call that cannot be made (0 with --errors=answer), 2 "
+      "cannot run.";
   return text;
 }
 
@@ -103,6 +109,12 @@ void addQueryCommand(CLI::App& app, int& status) {
   command->add_flag("--trace", settings.trace, "Log when library functions are entered and left");
   command->add_option("--log", settings.log, "Log file")->type_name("FILE");
   command->add_flag("--decode", options->decode, "Add the fields of records by name");
+  command
+      ->add_option("--errors", options->errors,
+                   "Whether a call that is not understood makes the status 1, or has its error as "
+                   "answer and is counted at the end")
+      ->check(CLI::IsMember({"status", "answer"}))
+      ->capture_default_str();
   // The words behind the options are taken as they are; those behind "--" reach the whole program.
   command->allow_extras();
   command->preparse_callback([&app](std::size_t) { app.allow_extras(); });

@@ -33,14 +33,23 @@ void appendJsonText(std::string& out, std::string_view bytes) {
   }
 }
 
-void Answer::begin(std::string_view op) {
+void Answer::open() {
   out_ += '{';
   first_ = true;
+  if (id_.empty()) return;
+  name("id");
+  out_ += id_;
+}
+
+void Answer::begin(std::string_view op) {
+  open();
   text("op", op);
 }
 
 void Answer::error(std::string_view argument, std::string_view text) {
-  out_ += "{\"error\":\"";
+  open();
+  name("error");
+  out_ += '"';
   appendJsonText(out_, argument);
   if (!argument.empty()) out_ += ": ";
   appendJsonText(out_, text);

@@ -17,8 +17,10 @@ void appendJsonText(std::string& out, std::string_view bytes);
 
 class Answer {
  public:
-  // Appends to `out`; with `decode`, records bring their fields along.
-  Answer(std::string& out, bool decode) : out_(out), decode_(decode) {}
+  // Appends to `out`; with `decode`, records bring their fields along. `id`, JSON text or nothing,
+  // stands in front.
+  Answer(std::string& out, bool decode, std::string_view id = {})
+      : out_(out), decode_(decode), id_(id) {}
 
   void begin(std::string_view op);
   void end() { out_ += "}\n"; }
@@ -60,6 +62,7 @@ class Answer {
   }
 
  private:
+  void open();
   void name(const char* key);
   void appendNumber(std::int64_t value);
 
@@ -75,6 +78,7 @@ class Answer {
 
   std::string& out_;
   bool decode_;
+  std::string_view id_;
   bool first_ = true;  // of the object being written
 };
 

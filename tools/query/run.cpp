@@ -2,12 +2,16 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cinttypes>
 #include <cstdio>
 #include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "query/ops.h"
+#include "query/requestid.h"
 
 namespace statecut::query {
 
@@ -15,31 +19,38 @@ namespace {
 
 constexpr std::size_t kChunk = std::size_t{1} << 16;
 
-bool refuse(bool decode, std::string_view argument, std::string_view text, std::string& out) {
-  Answer(out, decode).error(argument, text);
-  return false;
+// How answers are written: with the fields of records, behind the id of the request.
+struct Form {
+  bool decode = false;
+  std::string_view id;
+};
+
+Outcome refuse(const Form& form, std::string_view argument, std::string_view text,
+               std::string& out) {
+  Answer(out, form.decode, form.id).error(argument, text);
+  return Outcome::kNotUnderstood;
 }
 
-bool refuseCount(bool decode, const Op& op, std::string& out) {
+Outcome refuseCount(const Form& form, const Op& op, std::string& out) {
   const std::size_t wanted = op.parameters.size();
-  return refuse(decode, op.name,
+  return refuse(form, op.name,
                 "takes " + std::to_string(wanted) + (wanted == 1 ? " argument" : " arguments"),
                 out);
 }
 
-// False when the answer is that there is none: lookups say "not found" when the file cannot be
-// read, and for a table that is not there.
-bool call(Session& session, bool decode, const Op& op, const Args& args, std::string& out) {
+// Unanswered where lookups say "not found" as the file cannot be read, or the table is not there.
+Outcome call(Session& session, const Form& form, const Op& op, const Args& args, std::string& out) {
   const std::size_t start = out.size();
   const bool loaded = session.prepare(op.sets);
-  Answer answer(out, decode);
+  Answer answer(out, form.decode, form.id);
   answer.begin(op.name);
   op.handler(session, args, answer);
   answer.end();
   const std::string failure = readFailure();
-  if (loaded && failure.empty()) return true;
+  if (loaded && failure.empty()) return Outcome::kAnswered;
   out.resize(start);
-  return refuse(decode, op.name, failure.empty() ? "cannot load its tables" : failure, out);
+  (void)refuse(form, op.name, failure.empty() ? "cannot load its tables" : failure, out);
+  return Outcome::kUnanswered;
 }
 
 // Reused by all calls of a stream, for the room that its texts have.
@@ -94,6 +105,31 @@ class Lines {
   std::size_t scanned_ = 0;  // no line end stands between start_ and here
 };
 
+// What became of the calls of a stream.
+class Counts {
+ public:
+  explicit Counts(Errors errors) : errors_(errors) {}
+
+  void add(Outcome outcome) {
+    ++of_[static_cast<std::size_t>(outcome)];
+    status_ = std::max(status_, statusOf(outcome, errors_));
+  }
+
+  [[nodiscard]] int status() const { return status_; }
+
+  void print() const {
+    std::fprintf(stderr,
+                 "statedb query: %" PRIu64 " answered, %" PRIu64 " not understood, %" PRIu64
+                 " could not be answered\n",
+                 of_[0], of_[1], of_[2]);
+  }
+
+ private:
+  Errors errors_;
+  int status_ = kDone;
+  std::array<std::uint64_t, 3> of_ = {};  // by outcome
+};
+
 int failStreams(const char* what) {
   std::fprintf(stderr, "statedb query: %s: %s\n", what, std::strerror(errno));
   return kCannotRun;
@@ -108,46 +144,55 @@ std::string readFailure() {
          (error != 0 ? std::strerror(error) : "became shorter while it was read");
 }
 
-bool answerWords(Session& session, bool decode, std::span<const std::string> words,
-                 std::string& out) {
+Outcome answerWords(Session& session, bool decode, std::span<const std::string> words,
+                    std::string& out) {
+  const Form form{decode, {}};
   const Op* op = findOp(words.front());
-  if (op == nullptr) return refuse(decode, "", "unknown op", out);
-  if (words.size() - 1 != op->parameters.size()) return refuseCount(decode, *op, out);
+  if (op == nullptr) return refuse(form, "", "unknown op", out);
+  if (words.size() - 1 != op->parameters.size()) return refuseCount(form, *op, out);
   Args& args = argsOfCall();
   for (std::size_t i = 0; i < op->parameters.size(); ++i) {
     const char* wrong = argFromText(words[i + 1], op->parameters[i].kind, args[i]);
-    if (wrong != nullptr) return refuse(decode, op->parameters[i].name, wrong, out);
+    if (wrong != nullptr) return refuse(form, op->parameters[i].name, wrong, out);
   }
-  return call(session, decode, *op, args, out);
+  return call(session, form, *op, args, out);
 }
 
-bool answerLine(Session& session, bool decode, std::string_view line, std::string& out) {
+Outcome answerLine(Session& session, bool decode, std::string_view line, std::string& out) {
   const nlohmann::json request = nlohmann::json::parse(line.begin(), line.end(), nullptr, false);
-  if (!request.is_object()) return refuse(decode, "", "not a JSON object", out);
+  Form form{decode, {}};
+  if (!request.is_object()) return refuse(form, "", "not a JSON object", out);
+  if (request.contains("id")) form.id = requestId(line);
   const auto name = request.find("op");
-  if (name == request.end() || !name->is_string()) return refuse(decode, "op", "missing", out);
+  if (name == request.end() || !name->is_string()) return refuse(form, "op", "missing", out);
   const Op* op = findOp(name->get_ref<const std::string&>());
-  if (op == nullptr) return refuse(decode, "", "unknown op", out);
+  if (op == nullptr) return refuse(form, "", "unknown op", out);
   const auto given = request.find("args");
   if (given == request.end() || !given->is_array())
-    return refuse(decode, "args", "missing or no array", out);
-  if (given->size() != op->parameters.size()) return refuseCount(decode, *op, out);
+    return refuse(form, "args", "missing or no array", out);
+  if (given->size() != op->parameters.size()) return refuseCount(form, *op, out);
   Args& args = argsOfCall();
   for (std::size_t i = 0; i < op->parameters.size(); ++i) {
     const char* wrong = argFromJson((*given)[i], op->parameters[i].kind, args[i]);
-    if (wrong != nullptr) return refuse(decode, op->parameters[i].name, wrong, out);
+    if (wrong != nullptr) return refuse(form, op->parameters[i].name, wrong, out);
   }
-  return call(session, decode, *op, args, out);
+  return call(session, form, *op, args, out);
 }
 
-int serve(Session& session, bool decode, int in, int out) {
+int statusOf(Outcome outcome, Errors errors) {
+  if (outcome == Outcome::kAnswered) return kDone;
+  if (errors == Errors::kStatus) return kFailed;
+  return outcome == Outcome::kNotUnderstood ? kDone : kCannotRun;
+}
+
+int serve(Session& session, bool decode, Errors errors, int in, int out) {
   Lines lines(in);
+  Counts counts(errors);
   std::string answers;
-  bool good = true;
   std::string_view line;
   for (;;) {
     while (lines.next(line)) {
-      good = answerLine(session, decode, line, answers) && good;
+      counts.add(answerLine(session, decode, line, answers));
       if (answers.size() < kChunk) continue;
       if (!writeAll(out, answers)) return failStreams("cannot write the answers");
       answers.clear();
@@ -158,9 +203,10 @@ int serve(Session& session, bool decode, int in, int out) {
     if (got < 0) return failStreams("cannot read the calls");
     if (got == 0) break;
   }
-  if (lines.last(line)) good = answerLine(session, decode, line, answers) && good;
+  if (lines.last(line)) counts.add(answerLine(session, decode, line, answers));
   if (!writeAll(out, answers)) return failStreams("cannot write the answers");
-  return good ? kDone : kFailed;
+  if (errors == Errors::kAnswer) counts.print();
+  return counts.status();
 }
 
 bool writeAll(int out, std::string_view bytes) {
