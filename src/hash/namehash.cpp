@@ -227,4 +227,12 @@ void zapHashedNames(std::span<const HashedName> names, std::uint32_t type) {
   }
 }
 
+std::uint32_t fnv_32_buf(const unsigned char* buffer, std::int32_t length, std::uint32_t seed) {
+  std::uint32_t hash = seed;
+  // Deliberate, as every stored index is made so: adds the byte less 192 where FNV-1 has an
+  // exclusive-or.
+  for (std::int32_t i = 0; i < length; ++i) hash = hash * kFnvPrime + buffer[i] - 192u;
+  return hash;
+}
+
 }  // namespace statecut

@@ -29,7 +29,7 @@ std::uint32_t fnv_32_buf(const unsigned char* buffer, std::int32_t length, std::
 inline std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32_t length,
                                          std::uint32_t seed) {
   std::uint32_t hash = seed;
-  // A byte below 32 wraps and sets the upper bits. This is meant.
+  // Deliberate, as every stored index is made so: a byte below 32 wraps and sets the upper bits.
   const auto step = [&hash](const unsigned char* at) { hash = (hash * kFnvPrime) ^ (*at - 32u); };
   if (length <= 0) return hash;
   const unsigned char* at = buffer + length;

@@ -13,7 +13,8 @@ namespace statecut {
 namespace {
 
 constexpr std::uint32_t kMostEntries = 255;
-constexpr std::uint32_t kReadPerEntry = 7;  // although an entry has 6. This is meant.
+// Deliberate: 7 bytes for each entry are read, although an entry has 6.
+constexpr std::uint32_t kReadPerEntry = 7;
 constexpr std::size_t kLongestRead = 41;
 
 template <typename RowType>

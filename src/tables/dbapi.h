@@ -14,9 +14,9 @@ namespace statecut {
 using TableReader = std::int32_t(Stream* file, const RefControlRec* controlRecord, ProcObj* proc);
 
 TableReader dbReadPatternTables;    // -1
-TableReader dbReadCityData;         // -2, or -5 for its last table (meant)
+TableReader dbReadCityData;         // -2. Deliberate: -5 for its last table
 TableReader dbReadCityNames;        // -3
-TableReader dbReadCityByState;      // -3, as the city names (meant)
+TableReader dbReadCityByState;      // -3. Deliberate: as the city names
 TableReader dbReadCityPhonetics;    // -4
 TableReader dbReadZipData;          // -5
 TableReader dbReadUniqueZips;       // -6

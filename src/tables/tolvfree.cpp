@@ -36,8 +36,8 @@ std::int32_t release(ProcObj* proc, std::span<const Held> tables, After after) {
   return 0;
 }
 
-// Most release functions leave the freed pointers in place; that is meant, the count of users
-// lets no second release reach them.
+// Deliberate, for the count of users lets no second release reach them: most release functions
+// leave the freed pointers in place.
 template <std::size_t N>
 std::int32_t releaseKeeping(ProcObj* proc, const Held (&tables)[N]) {
   return release(proc, tables, After::kKeepPointers);
@@ -141,7 +141,7 @@ std::int32_t free18(ProcObj* proc) {
 }
 
 std::int32_t freeMilitary(ProcObj* proc) {
-  // Only the count of the first part is tested; that is meant.
+  // Deliberate: only the count of the first part is tested; it owns the block of both.
   if (le::get<2>(refPointers[kSlotMilitaryHeader].bytes) == 0) return 0;
   refPointers[kSlotMilitarySecond].table = nullptr;  // points into the block of the first part
   return releaseZeroing(proc, {{TableId::kMilitary, "Military Alias"}});
@@ -157,12 +157,12 @@ std::int32_t dbTerminate(ProcObj* proc) {
   freeTable(proc->rngControlRec);
   proc->rngControlRec = nullptr;
 
-  // A count of 0 wraps and releases nothing more; that is meant.
+  // Deliberate: a count of 0 wraps, and a call too many releases nothing more.
   const std::uint32_t before = referenceCount--;
   if (static_cast<std::int32_t>(before) >= 2 || static_cast<std::int32_t>(referenceCount) < 0)
     return 0;
 
-  // The tables by state, the SCF and the bytes tables are not released; that is meant.
+  // Deliberate: the tables by state, the SCF and the bytes tables are left to closeDbs.
   constexpr TableRelease* kReleases[] = {free1,  free10, free13, free2,  free3,        free4,
                                          free5,  free6,  free7,  free8,  free9,        free11,
                                          free12, free14, free16, free18, freeMilitary, freePBZones};
@@ -172,7 +172,7 @@ std::int32_t dbTerminate(ProcObj* proc) {
   if (proc->refControlRec == nullptr) {
     memoryWarn("Control Record", proc);
   } else {
-    freeTable(proc->refControlRec);  // the pointer stays; that is meant
+    freeTable(proc->refControlRec);  // Deliberate: the pointer stays, as those of the tables do
   }
   return 0;
 }

@@ -26,7 +26,7 @@ void dbReadRefRBA(std::uint32_t rba, unsigned char** out, std::int32_t length, P
   constexpr std::int32_t kMaxLength = 100;
   static unsigned char buffer[kMaxLength];
   traceEntering(proc, kDbapi, __LINE__, "dbReadRefRBA");
-  // A negative length passes unchanged and reads nothing; that is meant.
+  // Deliberate: a negative length passes unchanged and reads nothing.
   if (length == 0 || length > kMaxLength) length = kMaxLength;
   if (proc != nullptr && proc->files != nullptr)
     dbReadFile(proc->files->reference, rba, length, buffer, proc);
