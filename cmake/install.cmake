@@ -8,7 +8,8 @@ set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/statecut)
 install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/data/us_zip_city.csv ${PROJECT_SOURCE_DIR}/data/NOTICE.md
   DESTINATION ${CMAKE_INSTALL_DATADIR}/statecut)
-install(TARGETS statecut_core EXPORT statecut ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS statecut_core statecut_shared EXPORT statecut
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT statecut NAMESPACE statecut:: FILE statecutConfig.cmake DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
