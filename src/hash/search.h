@@ -47,6 +47,10 @@ struct NameLayout {
   std::uint32_t readAt;
 };
 
+// What a search on disk reads of a name, its length byte included.
+inline constexpr std::int32_t kMostOfFirm = 41;
+inline constexpr std::int32_t kMostOfStreet = 29;
+
 // The name's bytes behind a signed length byte.
 constexpr NameLayout packedNames(SlotNumber slot, std::size_t rbaAt, std::size_t boundAt,
                                  std::int32_t readBytes) {
@@ -56,8 +60,8 @@ constexpr NameLayout packedNames(SlotNumber slot, std::size_t rbaAt, std::size_t
 // The same behind 4 more bytes, with a flag in the length byte.
 constexpr NameLayout flaggedNames(SlotNumber slot, std::size_t rbaAt, std::size_t boundAt) {
   constexpr std::uint32_t kLengthAt = VariationRow::flag.at;
-  return {slot, 1,     kLengthAt, VariationRow::size, 0x7F, 0,
-          127,  rbaAt, boundAt,   kLengthAt,          29,   kLengthAt};
+  return {slot, 1,     kLengthAt, VariationRow::size, 0x7F,          0,
+          127,  rbaAt, boundAt,   kLengthAt,          kMostOfStreet, kLengthAt};
 }
 
 // Records with a state before the name. The length byte is unsigned, so a name may run on past its
@@ -80,9 +84,9 @@ constexpr NameLayout recordNames(SlotNumber slot, std::size_t rbaAt, std::size_t
 
 // By type.
 inline constexpr std::array<NameLayout, 6> kNameLayouts = {
-    packedNames(kSlotFirms, RefControlRec::firmsRba.at, RefControlRec::firmsBytes.at, 41),
+    packedNames(kSlotFirms, RefControlRec::firmsRba.at, RefControlRec::firmsBytes.at, kMostOfFirm),
     packedNames(kSlotStreetNames, RefControlRec::streetNamesRba.at,
-                RefControlRec::streetNamesBytes.at, 29),
+                RefControlRec::streetNamesBytes.at, kMostOfStreet),
     recordNames(kSlotCityNames, RefControlRec::cityNamesRba.at, RefControlRec::cityNamesCount.at,
                 CityNameRow::size, CityNameRow::nameLength.at, CityNameRow::state.at),
     flaggedNames(kSlotStreetStandards, RefControlRec::streetStandardsRba.at,

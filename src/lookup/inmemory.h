@@ -9,14 +9,14 @@
 #include <string_view>
 
 #include "base/le.h"
+#include "tables/directory.h"
 #include "tables/rows.h"
 #include "tables/tableview.h"
 
 namespace statecut::memory {
 
 // ZIP codes, by code (1 to 99999) and by key (from 1).
-inline constexpr std::int32_t kLastZip = 99999;
-inline constexpr std::int32_t kZipIndexEntries = 100000;
+inline constexpr std::int32_t kLastZip = kZipCodes - 1;
 
 [[nodiscard]] inline bool validZip(std::int32_t zip) { return zip >= 1 && zip <= kLastZip; }
 
@@ -220,15 +220,10 @@ inline constexpr std::int32_t kMostPhoneticCount = 9;
                                       RefControlRec::generalDeliveryCount);
 }
 
-// What a variation stands for: one street key, or the offset of an ambiguous list.
-struct VariationRow : Row<5> {
-  static constexpr Num<0, 4> value{"value", "street key, or offset in the list data"};
-  static constexpr Num<4, 1> flag{"flag", "signed; negative = ambiguous"};
-  static constexpr auto fields = std::tuple(value, flag);
-
-  [[nodiscard]] std::int8_t sign() const { return static_cast<std::int8_t>(get(flag)); }
-};
-STATECUT_ROW(VariationRow, 5);
+// The flag of a variation: negative where it stands for an ambiguous list.
+[[nodiscard]] inline std::int8_t flagOf(const VariationRow& entry) {
+  return static_cast<std::int8_t>(entry.get(VariationRow::flag));
+}
 
 // The entry at a position of the index data of a set that a search gave (-1: none), or null.
 [[nodiscard]] inline const VariationRow* variationAt(std::span<const unsigned char> index,

@@ -4,6 +4,7 @@
 
 #include "hash/namehash.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/street.h"
 #include "lookup/streetlist.h"
 #include "lookup/support.h"
@@ -18,10 +19,6 @@ namespace {
 constexpr std::int32_t kMaxKey = 28;
 constexpr std::int32_t kMaxScfKeys = 5;
 constexpr std::int32_t kAddLimit = 500;  // of the in-memory lookup, before it adds
-
-std::int8_t flagOf(const VariationRow& entry) {
-  return static_cast<std::int8_t>(entry.get(VariationRow::flag));
-}
 
 std::int32_t variationIndex(std::uint32_t type, const char* key, std::int32_t length) {
   return orFirst(&ProcObj::pfnFindStreetVarIdx, dbFindStreetVarIdxFirst)(type, key, length,
@@ -67,7 +64,7 @@ const std::uint32_t* findStreetVartnIn(const StreetVariation* set, const char* k
   if (there && *count < kAddLimit) {
     const auto& entry = *reinterpret_cast<const VariationRow*>(set->index + position);
     const std::uint32_t value = entry.get(VariationRow::value);
-    *flag = flagOf(entry);
+    *flag = memory::flagOf(entry);
     if (*flag >= 0)
       addStreetKey(value, count);
     else if (set->list != nullptr && value < set->listBytes)
@@ -90,13 +87,13 @@ const std::uint32_t* findStreetVartnOff(const StreetVariation* set, const char* 
   if (!readDirect(rba, VariationRow::size, &entry)) return nullptr;
   const std::uint32_t value = entry.get(VariationRow::value);
   const std::uint32_t* keys = keyList.data();
-  if (flagOf(entry) < 0) {
+  if (memory::flagOf(entry) < 0) {
     keys = ambgsStreetMatchOff(le::get<4>(set->list) + value, scfKey, filter, count);
   } else {
     *count = 0;
     addStreetKey(value, count);
   }
-  if (keys != nullptr) *flag = flagOf(entry);
+  if (keys != nullptr) *flag = memory::flagOf(entry);
   return keys;
 }
 

@@ -31,7 +31,7 @@ class Checks {
   // Every ZIP code of the index has a record, and that is its own.
   bool zipIndex() {
     const auto zips = rows<ZipDataRow>(kSlotZipData, view_.word(Ref::zipDataCount));
-    const auto index = rows<KeyRow>(kSlotZipIndex, memory::kZipIndexEntries);
+    const auto index = rows<KeyRow>(kSlotZipIndex, kZipCodes);
     for (std::uint32_t code = 1; code < index.size(); ++code) {
       const std::uint32_t key = index[code].get(KeyRow::key);
       if (key == 0) continue;

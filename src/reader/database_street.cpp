@@ -98,10 +98,10 @@ Walk<Database::VariationCursor> Database::variations(
   const auto lists =
       phonetic ? table(view, kSlotStreetPhoneticAmb, view.word(Ref::streetPhoneticAmbDataBytes))
                : table(view, kSlotStreetStandardAmb, view.word(Ref::streetStandardAmbDataBytes));
-  const memory::VariationRow* row = memory::variationAt(index, found);
+  const VariationRow* row = memory::variationAt(index, found);
   if (row == nullptr) return Walk<VariationCursor>(cursor);
-  const std::uint32_t value = row->get(memory::VariationRow::value);
-  if (row->sign() >= 0) {
+  const std::uint32_t value = row->get(VariationRow::value);
+  if (memory::flagOf(*row) >= 0) {
     cursor.single = value;
   } else if (value < lists.size()) {
     const memory::StreetWalk walk(lists.subspan(value), scf.has_value(), nullptr);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "lookup/inmemory.h"
+#include "tables/directory.h"
 
 namespace statecut {
 
@@ -12,75 +12,48 @@ using Ref = RefControlRec;
 
 // A table of a lookup.
 struct Place {
-  SlotNumber slot;
+  TableId table;
   const char* name;
-  std::size_t rbaAt;
-  std::size_t countAt;  // 0: as many as the ZIP index has
-  std::uint32_t unit;
-  bool uncutOnly = false;  // a cut has none, nor has a file with RBA 0
 };
 
-template <std::size_t Rba, std::size_t Count>
-constexpr Place place(SlotNumber slot, const char* name, Num<Rba, 4>, Num<Count, 4>,
-                      std::uint32_t unit, bool uncutOnly = false) {
-  return {slot, name, Rba, Count, unit, uncutOnly};
-}
-
 constexpr Place kPlaces[] = {
-    place(kSlotCityData, "City Data", Ref::cityDataRba, Ref::cityDataCount, CityDataRow::size),
-    place(kSlotCityMultiZip, "City Multi Zip Lists", Ref::cityMultiZipListsRba,
-          Ref::cityMultiZipListsCount, CityZipKeyRow::size),
-    place(kSlotCityMultiFinance, "City Multi Finance Lists", Ref::cityMultiFinanceListsRba,
-          Ref::cityMultiFinanceListsCount, KeyRow::size),
-    place(kSlotCityMultiZipRbas, "City Multi Zip RBAs", Ref::cityMultiZipRbasRba,
-          Ref::cityMultiZipRbasCount, CityMultiZipRow::size),
-    place(kSlotFinMultiZip, "Finance Multi Zip RBAs", Ref::finMultiZipRbasRba,
-          Ref::finMultiZipRbasCount, FinMultiZipRow::size),
-    place(kSlotCityNames, "City Names", Ref::cityNamesRba, Ref::cityNamesCount, CityNameRow::size),
-    place(kSlotCityPhonetics, "City Phonetics", Ref::cityPhoneticsRba, Ref::cityPhoneticsCount,
-          CityPhoneticRow::size),
-    place(kSlotZipData, "Zip Code Data", Ref::zipDataRba, Ref::zipDataCount, ZipDataRow::size),
-    // Lists of 16-bit keys: what an uncut file has behind as many is not theirs.
-    place(kSlotZipMultiCity, "Zip Multi City Lists", Ref::zipMultiCityListsRba,
-          Ref::zipMultiCityListsCount, KeyRow::size),
-    {kSlotZipIndex, "Zip Code Index", Ref::zipIndexRba.at, 0, KeyRow::size},
-    place(kSlotCounties, "Counties", Ref::countiesRba, Ref::countiesCount, 32),
-    place(kSlotUrbs, "Urbanizations", Ref::urbsRba, Ref::urbsCount, 32),
-    place(kSlotStreetNames, "Street Names", Ref::streetNamesRba, Ref::streetNamesBytes, 1),
-    place(kSlotStreetPhoneticAmb, "Street Phonetic Lists", Ref::streetPhoneticAmbDataRba,
-          Ref::streetPhoneticAmbDataBytes, 1),
-    place(kSlotStreetPhonetics, "Street Phonetics", Ref::streetPhoneticsRba,
-          Ref::streetPhoneticsBytes, 1),
-    place(kSlotStreetStandardAmb, "Street Standard Lists", Ref::streetStandardAmbDataRba,
-          Ref::streetStandardAmbDataBytes, 1),
-    place(kSlotStreetStandards, "Street Standards", Ref::streetStandardsRba,
-          Ref::streetStandardsBytes, 1),
-    place(kSlotFirms, "Firm Names", Ref::firmsRba, Ref::firmsBytes, 1),
-    place(kSlotGeneralDelivery, "General Delivery", Ref::generalDeliveryRba,
-          Ref::generalDeliveryCount, GeneralDeliveryRow::size),
-    place(kSlotMultiZip, "Multi Zip Lists", Ref::multiZipListsRba, Ref::multiZipListsCount,
-          KeyRow::size),
-    place(kSlotZipBytes, "Zip Bytes", Ref::zipBytesRba, Ref::zipDataCount, ZipBytesRow::size, true),
-    place(kSlotHashTable, "Hash Table", Ref::hashTableRba, Ref::hashTableCount, HashSlotRow::size),
-    place(kSlotHashOverflow, "Hash Overflow", Ref::hashOverflowRba, Ref::hashOverflowCount,
-          HashOverflowRow::size)};
+    {TableId::kCityData, "City Data"},
+    {TableId::kCityMultiZipLists, "City Multi Zip Lists"},
+    {TableId::kCityMultiFinanceLists, "City Multi Finance Lists"},
+    {TableId::kCityMultiZipRbas, "City Multi Zip RBAs"},
+    {TableId::kFinMultiZipRbas, "Finance Multi Zip RBAs"},
+    {TableId::kCityNames, "City Names"},
+    {TableId::kCityPhonetics, "City Phonetics"},
+    {TableId::kZipData, "Zip Code Data"},
+    {TableId::kZipMultiCityLists, "Zip Multi City Lists"},
+    {TableId::kZipIndex, "Zip Code Index"},
+    {TableId::kCounties, "Counties"},
+    {TableId::kUrbs, "Urbanizations"},
+    {TableId::kStreetNames, "Street Names"},
+    {TableId::kStreetPhoneticAmb, "Street Phonetic Lists"},
+    {TableId::kStreetPhonetics, "Street Phonetics"},
+    {TableId::kStreetStandardAmb, "Street Standard Lists"},
+    {TableId::kStreetStandards, "Street Standards"},
+    {TableId::kFirms, "Firm Names"},
+    {TableId::kGeneralDelivery, "General Delivery"},
+    {TableId::kMultiZipLists, "Multi Zip Lists"},
+    {TableId::kZipBytes, "Zip Bytes"},
+    {TableId::kHashTable, "Hash Table"},
+    {TableId::kHashOverflow, "Hash Overflow"},
+};
 
 // The search of the hash reads a few entries at once, also at the end of its tables.
 constexpr std::uint64_t kReadBehind = 32;
 
-std::uint32_t wordAt(const Ref& record, std::size_t at) {
-  return le::get<4>(record.bytes.data() + at);
+bool isThere(const TableLine& line, const Ref& record) {
+  if (line.fate != Fate::kDropped) return true;
+  return (record.get(Ref::typeFlags) & kTypeStateCut) == 0 && wordAt(record, line.rbaAt) != 0;
 }
 
-bool isThere(const Place& place, const Ref& record) {
-  if (!place.uncutOnly) return true;
-  return (record.get(Ref::typeFlags) & kTypeStateCut) == 0 && wordAt(record, place.rbaAt) != 0;
-}
-
-std::uint64_t bytesOf(const Place& place, const Ref& record) {
-  const std::uint64_t count =
-      place.countAt == 0 ? std::uint64_t{memory::kZipIndexEntries} : wordAt(record, place.countAt);
-  return count * place.unit;
+// Of lists of 16-bit keys what a cut carries: what an uncut file has behind is not theirs.
+std::uint64_t bytesOf(const TableLine& line, const Ref& record) {
+  const std::uint32_t width = line.fate == Fate::kDropped ? line.width : line.cutWidth;
+  return static_cast<std::uint64_t>(tableRecords(record, line.id)) * width;
 }
 
 // A copy with zeros behind it, for a table that is read beyond its end where the bytes end.
@@ -95,8 +68,9 @@ bool copyWithSlack(Database::Loaded& loaded, Block& copy, SlotNumber slot, std::
 
 bool placeOne(Database::Loaded& loaded, const Place& place, Error& error) {
   const Ref& record = *loaded.view.record;
-  const std::uint64_t rba = wordAt(record, place.rbaAt);
-  const std::uint64_t bytes = bytesOf(place, record);
+  const TableLine& line = tableLine(place.table);
+  const std::uint64_t rba = wordAt(record, line.rbaAt);
+  const std::uint64_t bytes = bytesOf(line, record);
   if (bytes > 0 && rba < Ref::size)
     return failedTable(error, ErrorCode::kDamaged, loaded.file, place.name, rba,
                        "begins inside the control record");
@@ -105,14 +79,14 @@ bool placeOne(Database::Loaded& loaded, const Place& place, Error& error) {
         error, ErrorCode::kShortFile, loaded.file, place.name, rba,
         "has " + std::to_string(bytes) + " bytes, the file " + std::to_string(loaded.bytes.size()));
   // Nothing writes to the tables of a Database: they are not constant for the library's own.
-  loaded.slots[place.slot].table =
+  loaded.slots[line.slot].table =
       const_cast<unsigned char*>(loaded.bytes.data() + (bytes == 0 ? Ref::size : rba));
-  if (place.slot != kSlotHashTable && place.slot != kSlotHashOverflow) return true;
+  if (line.slot != kSlotHashTable && line.slot != kSlotHashOverflow) return true;
   const std::uint64_t end = bytes == 0 ? Ref::size : rba + bytes;
   const std::uint64_t readable = std::max(loaded.bytes.size(), loaded.zerosTo);
   if (end + kReadBehind <= readable) return true;
-  Block& copy = loaded.copies[place.slot == kSlotHashTable ? 0 : 1];
-  return copyWithSlack(loaded, copy, place.slot, bytes) ||
+  Block& copy = loaded.copies[line.slot == kSlotHashTable ? 0 : 1];
+  return copyWithSlack(loaded, copy, line.slot, bytes) ||
          failed(error, ErrorCode::kNoMemory, 0, "no memory for " + loaded.file);
 }
 
@@ -136,8 +110,9 @@ bool failedTable(Error& error, ErrorCode code, const std::string& file, const ch
 std::uint64_t endOfTables(const RefControlRec& record) {
   std::uint64_t end = Ref::size;
   for (const Place& place : kPlaces) {
-    const std::uint64_t bytes = isThere(place, record) ? bytesOf(place, record) : 0;
-    if (bytes > 0) end = std::max(end, wordAt(record, place.rbaAt) + bytes);
+    const TableLine& line = tableLine(place.table);
+    const std::uint64_t bytes = isThere(line, record) ? bytesOf(line, record) : 0;
+    if (bytes > 0) end = std::max(end, wordAt(record, line.rbaAt) + bytes);
   }
   return end;
 }
@@ -147,7 +122,7 @@ bool placeTables(Database::Loaded& loaded, Error& error) {
   loaded.view.record = reinterpret_cast<const Ref*>(loaded.bytes.data());
   loaded.view.behind = 0;
   return std::all_of(std::begin(kPlaces), std::end(kPlaces), [&](const Place& place) {
-    return !isThere(place, *loaded.view.record) || placeOne(loaded, place, error);
+    return !isThere(tableLine(place.table), *loaded.view.record) || placeOne(loaded, place, error);
   });
 }
 
