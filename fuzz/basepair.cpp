@@ -9,7 +9,7 @@
 
 #include "base/clock.h"
 #include "base/procobj.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 #include "cut/workstate.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/rangefile.h"
@@ -307,7 +307,7 @@ std::int32_t runUtility(int argc, const char* const* argv) {
   }
   // What a failed run leaves until the process ends.
   freeCmdLine();
-  resetGuards();
+  forgetEarlierCut();
   streamClose(pProcObj->files->range);
   // A cut closes the reference input early and keeps the pointer.
   if (diskOpenFiles(nullptr) != 0) streamClose(pProcObj->files->reference);

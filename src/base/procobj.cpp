@@ -2,8 +2,11 @@
 
 #include <cstdlib>
 
+#include "base/cmdline.h"
+
 namespace statecut {
 
+CmdLine cmdLine{};
 ProcObj* pProcObj = nullptr;
 std::time_t dateAndTime = 0;
 

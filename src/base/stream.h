@@ -21,9 +21,10 @@ int streamSkip(Stream* stream, std::uint64_t distance);  // from the current pos
 std::size_t streamRead(Stream* stream, void* to, std::size_t count);
 std::size_t streamWrite(Stream* stream, const void* from, std::size_t count);
 
-// Appends bytes at `offset` of `from` to `to`, past both buffers. The bytes moved, at most `count`;
-// 0 where that can't be done or does not pay: they are for streamRead and streamWrite then, which
-// meet the failure, if there is one. Sets no indicator, except of a `to` that can't be flushed.
+// Appends some of the `count` bytes at `offset` of `from` to `to`, around both buffers. Returns how
+// many; 0 when it can't or when `count` is too small to pay. The caller copies the rest by
+// streamRead and streamWrite, which meet whatever failed here: it sets no indicator itself, except
+// of a `to` that can't be flushed.
 std::size_t streamAppend(Stream* to, Stream* from, std::uint64_t offset, std::uint64_t count);
 
 // Bytes of a regular file, 0 for anything else.

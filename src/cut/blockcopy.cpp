@@ -4,8 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "base/procobj.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 #include "cut/workstate.h"
 #include "dbfiles/apiutil.h"
 #include "dbfiles/dbaccess.h"
@@ -16,65 +15,56 @@ namespace {
 
 using CopyBuffer = std::array<unsigned char, 4096>;
 
-// On standard output, not in the log. This is meant.
+// Deliberate: on standard output, not in the log; who runs a cut looks there.
 std::int32_t copyFailed(const char* what, std::uint32_t rba, std::int32_t bytes) {
   std::printf("Error during %s file in copyEntryPoint\n", what);
   std::printf("rba = %d, bytes = %d\n", static_cast<std::int32_t>(rba), bytes);
   return -1;
 }
 
-// Blocks that move without being read count as reads all the same.
-void countReads(std::uint32_t blocks) {
-  if (pProcObj->stats == nullptr) return;
-  std::int32_t& reads = pProcObj->stats->reads;
-  reads = static_cast<std::int32_t>(static_cast<std::uint32_t>(reads) + blocks);
-}
-
-// What is left of a copy of which the first `moved` bytes are done: from the block that holds the
-// first byte to copy, of which `skip` bytes are done.
+// What is left for a block copier of a copy of which the first `moved` bytes are done: from the
+// block that holds the first byte to copy, of which `skip` bytes are done.
 struct Rest {
   std::uint32_t rba;
   std::int32_t left;
   std::uint32_t skip;
 };
 
-Rest restOf(std::uint32_t rba, std::uint32_t bytes, std::uint32_t moved) {
-  const std::uint32_t blocks = moved < bytes ? moved / kBlockBytes : 0;
-  countReads(moved < bytes ? blocks : (bytes - 1) / kBlockBytes + 1);
-  if (moved >= bytes) return {rba, 0, 0};
+// Blocks that moved without being read count as reads all the same.
+Rest restOf(const ProcObj* proc, std::uint32_t rba, std::uint32_t bytes, std::uint32_t moved) {
+  if (moved >= bytes) {
+    tally(proc, &Statistics::reads, (bytes - 1) / kBlockBytes + 1);
+    return {rba, 0, 0};
+  }
+  const std::uint32_t blocks = moved / kBlockBytes;
+  tally(proc, &Statistics::reads, blocks);
   const std::uint32_t done = blocks * kBlockBytes;
   return {rba + done, static_cast<std::int32_t>(bytes - done), moved - done};
 }
 
-// Moves what it can of a table that the source has in full. The bytes moved.
-std::uint32_t moveTable(Stream* from, std::uint32_t rba, std::uint32_t bytes) {
-  if (newRefDb == nullptr || from == nullptr || inError(from)) return 0;
-  if (!inOnePiece(rba, bytes, streamSize(from))) return 0;
-  std::uint32_t moved = 0;
-  std::size_t part = 1;
-  while (part != 0) {
-    part = appendFile(newRefDb, from, std::uint64_t{rba} + moved, bytes - moved, pProcObj);
-    moved += static_cast<std::uint32_t>(part);
-  }
-  return moved;
-}
-
 }  // namespace
 
-std::int32_t copyEntryPoint(std::uint32_t rba, std::uint32_t bytes, std::uint32_t moved) {
+std::uint64_t moveAtOnce(const CopyPath& path, std::uint64_t offset, std::uint64_t bytes) {
+  if (path.from == nullptr || path.to == nullptr || inError(path.from) || inError(path.to)) {
+    return 0;
+  }
+  return appendFile(path.to, path.from, offset, bytes, path.proc);
+}
+
+std::int32_t copyRest(const CopyPath& path, std::uint32_t rba, std::uint32_t bytes,
+                      std::uint32_t moved) {
   if (static_cast<std::int32_t>(bytes) <= 0) return 0;
-  Rest rest = restOf(rba, bytes, moved);
+  Rest rest = restOf(path.proc, rba, bytes, moved);
   if (rest.left == 0) return 0;
   CopyBuffer buffer{};
-  Stream* from = pProcObj->files->range;
   while (rest.left > 0) {
-    if (inError(from)) return -1;
-    const std::int32_t got = readFile(from, rest.rba, kBlockBytes, buffer.data(), pProcObj);
-    if (inError(from)) return -1;  // ends the cut, which logs it
+    if (inError(path.from)) return -1;
+    const std::int32_t got = readFile(path.from, rest.rba, kBlockBytes, buffer.data(), path.proc);
+    if (inError(path.from)) return -1;  // ends the cut, which logs it
     if (got <= 0) return copyFailed("read", rest.rba, rest.left);
     const std::int32_t chunk = std::min(rest.left, got);
     const auto size = static_cast<std::uint32_t>(chunk);
-    if (writeFile(newRangeDb, size - rest.skip, buffer.data() + rest.skip, pProcObj) == -1) {
+    if (writeFile(path.to, size - rest.skip, buffer.data() + rest.skip, path.proc) == -1) {
       return copyFailed("write", rest.rba, rest.left);
     }
     rest = {rest.rba + size, rest.left - chunk, 0};
@@ -82,23 +72,33 @@ std::int32_t copyEntryPoint(std::uint32_t rba, std::uint32_t bytes, std::uint32_
   return 0;
 }
 
-// The results of the reads and writes are not looked at. This is meant; the cut tests both streams
-// for errors behind its steps.
+std::int32_t copyEntryPoint(std::uint32_t rba, std::uint32_t bytes) {
+  return copyRest({pProcObj->files->range, newRangeDb, pProcObj}, rba, bytes, 0);
+}
+
+// Deliberate: the results of the reads and writes are not looked at, so that a failing run copies
+// what it always copied; the cut looks at both streams behind its steps.
 std::int32_t copyPartition(std::uint32_t rba, std::uint32_t bytes) {
   if (static_cast<std::int32_t>(bytes) <= 0) return 0;
-  Stream* from = pProcObj->files->reference;
-  const std::uint32_t moved = moveTable(from, rba, bytes);
-  totalBytes += moved;
-  Rest rest = restOf(rba, bytes, moved);
+  const CopyPath path{pProcObj->files->reference, newRefDb, pProcObj};
+  std::uint32_t moved = 0;
+  if (path.from != nullptr && inOnePiece(rba, bytes, streamSize(path.from))) {
+    std::uint64_t part = 1;
+    while (part != 0) {
+      part = moveAtOnce(path, std::uint64_t{rba} + moved, bytes - moved);
+      moved += static_cast<std::uint32_t>(part);
+    }
+  }
+  Rest rest = restOf(path.proc, rba, bytes, moved);
   CopyBuffer buffer{};
-  while (rest.left > 0 && !inError(from)) {
-    readFile(from, rest.rba, kBlockBytes, buffer.data(), pProcObj);
+  while (rest.left > 0 && !inError(path.from)) {
+    readFile(path.from, rest.rba, kBlockBytes, buffer.data(), path.proc);
     const std::int32_t chunk = std::min(rest.left, static_cast<std::int32_t>(kBlockBytes));
     const auto size = static_cast<std::uint32_t>(chunk);
-    writeFile(newRefDb, size - rest.skip, buffer.data() + rest.skip, pProcObj);
-    totalBytes += size - rest.skip;
+    writeFile(path.to, size - rest.skip, buffer.data() + rest.skip, path.proc);
     rest = {rest.rba + size, rest.left - chunk, 0};
   }
+  totalBytes += bytes - static_cast<std::uint32_t>(rest.left) + rest.skip;
   return 0;
 }
 

@@ -5,10 +5,10 @@
 
 #include "base/cmdline.h"
 #include "base/procobj.h"
-#include "cut/closedbs.h"
-#include "cut/cutlog.h"
-#include "cut/guards.h"
+#include "cut/distinctfiles.h"
+#include "cut/logsites.h"
 #include "cut/multizip.h"
+#include "cut/openfiles.h"
 #include "cut/progress.h"
 #include "cut/rangecopy.h"
 #include "cut/refcopy.h"
@@ -27,7 +27,7 @@ constexpr std::int32_t kFailed = -1;
 constexpr std::int32_t kTimeStampsDiffer = -13;
 
 std::int32_t createReferenceOutput() {
-  const char* path = pathOf(cmdLine.refOut);
+  const char* path = orEmpty(cmdLine.refOut);
   if (std::strlen(path) <= kMaxOutputPath && checkOutputNames() != 0) return kFailed;
   newRefDb = openOutput(path);
   if (newRefDb != nullptr) return 0;
@@ -35,9 +35,9 @@ std::int32_t createReferenceOutput() {
   return kFailed;
 }
 
-// Logs nothing when it fails, unlike the reference side. This is meant.
+// Deliberate: logs nothing when it fails, unlike the reference side; the log has always been so.
 std::int32_t createRangeOutput() {
-  newRangeDb = openOutput(pathOf(cmdLine.rangeOut));
+  newRangeDb = openOutput(orEmpty(cmdLine.rangeOut));
   return newRangeDb == nullptr ? kFailed : 0;
 }
 
@@ -97,7 +97,7 @@ std::int32_t writeCut() {
 // records that point at them are written, and the reference control record is written last.
 // A failing step ends the run; what is open stays open, what is written stays.
 std::int32_t cutStates() {
-  resetGuards();
+  forgetEarlierCut();
   // 1: the source reference database and its control record; every failure is -1.
   if (openRefDb() != 0) return kFailed;
   // 2: the cut reference file.

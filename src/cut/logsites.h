@@ -1,6 +1,7 @@
 #pragma once
-// The places of the cut's log records. They are part of the log's format and stay as they are,
-// wherever the code stands. Some name dbaccess though the step is the cut's; this is meant.
+// The places of the cut's log records, and the forms of record that it writes there.
+
+#include <cstdint>
 
 #include "dbfiles/dbaccess.h"
 #include "log/utllgmsg.h"
@@ -9,6 +10,8 @@ namespace statecut {
 
 inline constexpr char kCutstate[] = "cutstate";  // source name in log records
 
+// Deliberate: these lines stay as they are wherever the code stands, and some name dbaccess though
+// the step is the cut's; operators' filters match on them.
 namespace logsite {
 
 inline constexpr LogSite kNewCityNames{kDbaccess, 100};
@@ -45,4 +48,15 @@ inline constexpr LogSite kOpenOutput{kCutstate, 1877};
 inline constexpr LogSite kTimeStamps{kCutstate, 1907};
 
 }  // namespace logsite
+
+// "<name> - required - <size> bytes"; the size is shown as a signed number of its low 32 bits.
+void logRequired(LogSite site, const char* title, const char* name, std::uint64_t bytes);
+void logNoMemory(LogSite site, const char* name);
+void logText(LogSite site, std::int32_t severity, const char* title, const char* text);
+void logNumber(LogSite site, const char* title, const char* text, std::uint32_t number);
+
+// An ERR record "path;text".
+void logPathError(LogSite site, const char* title, std::uint32_t reason, const char* path,
+                  const char* text);
+
 }  // namespace statecut

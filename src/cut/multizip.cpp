@@ -4,12 +4,9 @@
 #include <cstdio>
 
 #include "base/memory.h"
-#include "base/procobj.h"
-#include "cut/guards.h"
 #include "cut/multizipsize.h"
 #include "cut/progress.h"
 #include "cut/rangecopy.h"
-#include "cut/rangeplan.h"
 #include "cut/zipselect.h"
 #include "lookup/cities.h"
 #include "tables/refpointers.h"
@@ -57,8 +54,8 @@ void visitFinance(std::uint32_t key, OnFinance&& onFinance) {
   if (record != nullptr && record->get(FinMultiZipRow::zipCount) >= kShared) onFinance(*record);
 }
 
-// The records of one city that name an SFH multi-ZIP partition. A city with several ZIP codes but
-// no shared SFH partition is not asked for its finance record. This is meant.
+// The records of one city that name an SFH multi-ZIP partition. Deliberate: a city with several ZIP
+// codes but no shared SFH partition is not asked for its finance record; cuts have always been so.
 template <typename OnCity, typename OnFinance>
 void visitSfh(const CityDataRow& city, OnCity&& onCity, OnFinance&& onFinance) {
   const std::uint16_t zips = city.get(CityDataRow::zipCount);
@@ -205,22 +202,20 @@ std::int32_t buildRRMultiZip() {
 }
 
 std::int32_t writeMultiZip() {
-  RangePlan plan;
+  RangePlan plan(rangePath());
   planPartitions(plan);
   std::uint32_t lastRba = 0;
   const std::uint32_t keys = keyCount();
   for (std::uint32_t key = 0; key < keys; ++key) {
     MultiZipKey& entry = multiZipKeys[key];
     if (entry.bytes <= 0) continue;
-    // A warning only; a step back is copied like any other partition.
+    // A warning alone: a step back is copied like any other partition.
     if (entry.oldRba < lastRba) std::printf("must go forward!! not back!!\n");
     lastRba = entry.oldRba;
     const auto bytes = static_cast<std::uint32_t>(entry.bytes);
-    plan.copy(entry.oldRba, bytes);  // a failed copy does not stop the cut; this is meant
-    if (inError(pProcObj->files->range)) return -1;
-    entry.newRba = totalRngBytes;
-    totalRngBytes += bytes;
-    progressAdd(bytes);
+    const std::uint32_t newRba = totalRngBytes;
+    if (appendRangePartition(plan, entry.oldRba, bytes) != 0) return -1;
+    entry.newRba = newRba;
   }
   return 0;
 }

@@ -1,6 +1,6 @@
 #include "cut/multizipsize.h"
 
-#include "cut/cutlog.h"
+#include "cut/logsites.h"
 #include "cut/rangecopy.h"
 #include "cut/workstate.h"
 #include "tables/refpointers.h"
@@ -46,7 +46,7 @@ const Entry* find(const BytesTable& table, const Entry& key) {
   return nullptr;
 }
 
-// The label is the SFH one for every kind. This is meant.
+// Deliberate: the label is the SFH one for every kind; it is part of the log's format.
 std::int32_t unknownSize(LogSite site, std::uint32_t key) {
   logNumber(site, "Get Bytes", "SFH ", key);
   return 0;
@@ -70,7 +70,8 @@ std::int32_t compareMltZpBytes(const unsigned char* a, const unsigned char* b) {
   return std::int32_t{le::get<2>(a)} - std::int32_t{le::get<2>(b)};
 }
 
-// Both widths are used on one and the same SFH table. This is meant.
+// Deliberate: both widths are used on one and the same SFH table; programs in the field read cuts
+// that were made so.
 std::int32_t getMltZpEntryPntSize(std::uint16_t key, std::int32_t kind) {
   return sizeOf<MultiZipBytesShort>(key, kind, logsite::kShortSizeBadKind,
                                     logsite::kShortSizeNotFound);

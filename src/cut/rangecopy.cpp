@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "base/procobj.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 #include "cut/progress.h"
 #include "cut/rangeplan.h"
 #include "cut/zipselect.h"
@@ -32,8 +32,9 @@ const char* kindLabel(std::int32_t kind) {
   return "";
 }
 
-// True when ZIP codes in the cut share a record, as its number is kept in 16 bits: the later ones
-// find it pointing at its copy.
+// True when two ZIP codes in the cut lead to one ZIP record: the index keeps its number in 16 bits.
+// The first of them points the record at the copy, and the later ones copy from there; a plan would
+// have them copy from the first place.
 bool shareRecords() {
   std::vector<bool> seen(kKeys);
   bool shared = false;
@@ -78,16 +79,24 @@ std::int32_t copyKind(RangePlan& plan, const Kind& kind, std::uint64_t total, Rb
         const std::uint32_t rba = record.get(rbaField);
         if (rba == 0) return 0;
         const auto bytes = static_cast<std::uint32_t>(getEntryPointSize(key, kind.kind));
-        plan.copy(rba, bytes);  // a failed copy does not stop the cut; this is meant
-        if (inError(pProcObj->files->range)) return -1;
-        record.set(rbaField, totalRngBytes);
-        totalRngBytes += bytes;
-        progressAdd(bytes);
+        const std::uint32_t newRba = totalRngBytes;
+        if (appendRangePartition(plan, rba, bytes) != 0) return -1;
+        record.set(rbaField, newRba);
         return 0;
       });
 }
 
 }  // namespace
+
+CopyPath rangePath() { return {pProcObj->files->range, newRangeDb, pProcObj}; }
+
+std::int32_t appendRangePartition(RangePlan& plan, std::uint32_t rba, std::uint32_t bytes) {
+  plan.copy(rba, bytes);
+  if (inError(pProcObj->files->range)) return -1;
+  totalRngBytes += bytes;
+  progressAdd(bytes);
+  return 0;
+}
 
 std::int32_t getEntryPointSize(std::uint32_t key, std::int32_t kind) {
   const std::uint32_t bytes = partitionBytes(key, kind);
@@ -101,7 +110,7 @@ std::int32_t buildZipEntryPoints() {
   constexpr Kind kSfhKind{kSfh, "SFH partitions", logsite::kSfhBadKey};
   constexpr Kind kPobKind{kPob, "POB partitions", logsite::kPobBadKey};
   constexpr Kind kRrKind{kRr, "RR partitions", logsite::kRrBadKey};
-  RangePlan plan;
+  RangePlan plan(rangePath());
   RangePlan* const planned = shareRecords() ? nullptr : &plan;
   const std::uint64_t sfh = planKind(planned, kSfh, ZipDataRow::sfhRba);
   const std::uint64_t pob = planKind(planned, kPob, ZipDataRow::pobRba);

@@ -2,12 +2,6 @@
 
 #include <algorithm>
 
-#include "base/procobj.h"
-#include "cut/blockcopy.h"
-#include "cut/guards.h"
-#include "cut/workstate.h"
-#include "dbfiles/dbaccess.h"
-
 namespace statecut {
 
 namespace {
@@ -15,11 +9,10 @@ namespace {
 constexpr std::uint64_t kLookAhead = 8 * 1024 * 1024;
 constexpr std::uint64_t kAnnounced = 1024 * 1024;  // at once
 
-Stream* source() { return pProcObj->files->range; }
-
 }  // namespace
 
-RangePlan::RangePlan() : sourceBytes_(source() == nullptr ? 0 : streamSize(source())) {}
+RangePlan::RangePlan(const CopyPath& path)
+    : path_(path), sourceBytes_(path.from == nullptr ? 0 : streamSize(path.from)) {}
 
 // What is not in one piece, or has no bytes, is left to the block copier.
 bool RangePlan::inSource(std::uint32_t rba, std::uint32_t bytes) const {
@@ -39,14 +32,14 @@ void RangePlan::add(std::uint32_t rba, std::uint32_t bytes) {
 
 std::int32_t RangePlan::copy(std::uint32_t rba, std::uint32_t bytes) {
   if (!inSource(rba, bytes) || current_ == runs_.size() || runs_[current_].next != rba) {
-    return copyEntryPoint(rba, bytes);
+    return copyRest(path_, rba, bytes, 0);
   }
   Run& run = runs_[current_];
   const std::uint64_t end = std::uint64_t{rba} + bytes;
   while (run.moved < end && advance(run)) {
   }
   const auto moved = static_cast<std::uint32_t>(std::min(run.moved, end) - rba);
-  const std::int32_t status = copyEntryPoint(rba, bytes, moved);
+  const std::int32_t status = copyRest(path_, rba, bytes, moved);
   run.next = end;
   if (run.moved < end) {
     moved_ += end - run.moved;
@@ -58,10 +51,8 @@ std::int32_t RangePlan::copy(std::uint32_t rba, std::uint32_t bytes) {
 
 // Moves a piece of the run. False when none moved.
 bool RangePlan::advance(Run& run) {
-  if (newRangeDb == nullptr || inError(newRangeDb) || inError(source())) return false;
   lookAhead();
-  const std::size_t put =
-      appendFile(newRangeDb, source(), run.moved, run.end - run.moved, pProcObj);
+  const std::uint64_t put = moveAtOnce(path_, run.moved, run.end - run.moved);
   run.moved += put;
   moved_ += put;
   return put != 0;
@@ -71,7 +62,7 @@ void RangePlan::lookAhead() {
   while (announced_ < runs_.size() && announcedBytes_ < moved_ + kLookAhead) {
     const Run& run = runs_[announced_];
     const std::uint64_t piece = std::min(run.end - run.begin - announcedInRun_, kAnnounced);
-    streamWillNeed(source(), run.begin + announcedInRun_, piece);
+    streamWillNeed(path_.from, run.begin + announcedInRun_, piece);
     announcedBytes_ += piece;
     announcedInRun_ += piece;
     if (run.begin + announcedInRun_ < run.end) continue;

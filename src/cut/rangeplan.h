@@ -6,15 +6,17 @@
 #include <cstdint>
 #include <vector>
 
+#include "cut/blockcopy.h"
+
 namespace statecut {
 
 class RangePlan {
  public:
-  RangePlan();  // for the open source range database
+  explicit RangePlan(const CopyPath& path);
 
   // Both take the partitions in the same order: first all are added, then each is copied.
   void add(std::uint32_t rba, std::uint32_t bytes);
-  std::int32_t copy(std::uint32_t rba, std::uint32_t bytes);  // as copyEntryPoint
+  std::int32_t copy(std::uint32_t rba, std::uint32_t bytes);  // as copyEntryPoint, by its path
 
  private:
   struct Run {
@@ -28,6 +30,7 @@ class RangePlan {
   bool advance(Run& run);
   void lookAhead();
 
+  CopyPath path_;
   std::uint64_t sourceBytes_;
   std::vector<Run> runs_;
   bool joinable_ = false;  // a neighbour of the last run's end joins it

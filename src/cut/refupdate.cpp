@@ -7,7 +7,7 @@
 
 #include "base/cmdline.h"
 #include "base/memory.h"
-#include "cut/cutlog.h"
+#include "cut/logsites.h"
 #include "cut/workstate.h"
 #include "hash/namehash.h"
 #include "tables/refpointers.h"
@@ -83,7 +83,8 @@ MergeScan<RowType, StateField> mergeScan(SlotNumber slot, std::uint32_t count, R
   return {source, source == nullptr ? 0 : count, kept, map, stateField};
 }
 
-// Appends the records of one state; all of them again when the state was given before. Meant.
+// Appends the records of one state. Deliberate: all of them again when the state was given before;
+// such lists have always given such cuts.
 void takeByState(const char* state, std::uint32_t& kept) {
   const auto* source =
       reinterpret_cast<const CityByStateRow*>(refPointers[kSlotCityNamesByState].table);

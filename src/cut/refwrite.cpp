@@ -1,6 +1,6 @@
 #include "cut/refwrite.h"
 
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 #include "cut/workstate.h"
 #include "dbfiles/dbaccess.h"
 #include "tables/directory.h"

@@ -20,15 +20,19 @@ struct MultiZipKey {
 };
 
 // The outputs: opened by cutstate, written by blockcopy and refwrite (the range file by rangeplan,
-// too), watched and closed by guards.
+// too), watched and closed by openfiles.
 extern Stream* newRefDb;
 extern Stream* newRangeDb;
 
 // Bytes written to each output, the RBA of what comes next. totalBytes: set to 0 by refcopy, raised
 // by refwrite and blockcopy, read by both where a table's RBA is stored. totalRngBytes: set by
-// refwrite to the control record's bytes, raised and read by rangecopy and multizip.
+// refwrite to the control record's bytes, raised by rangecopy, read by it and multizip.
 extern std::uint32_t totalBytes;
 extern std::uint32_t totalRngBytes;
+
+// Releases what a finished cut holds: the loaded tables, both control records, the work tables, the
+// output streams and the range input (the reference input is closed by then). Always 0.
+std::int32_t closeDbs();
 
 // The work tables, null until made; owned here, released by closeDbs.
 // Made and filled by zipselect, read by it for every walk over the ZIP codes, written by refwrite.

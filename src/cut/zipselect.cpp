@@ -23,7 +23,8 @@ std::uint32_t selectState(const char* state) {
     if (std::memcmp(bytesTable[i].bytes.data(), state, 2) != 0) continue;
     const std::uint32_t zip = zips[i].get(ZipDataRow::zip);
     if (zip >= kZipCodes) continue;
-    // The key is stored in 16 bits, and 0 means not in the cut: record 0 is never carried. Meant.
+    // Deliberate: the key is stored in 16 bits, and 0 means not in the cut: record 0 is never
+    // carried. The format of the index wants it so.
     scZipCodeIndex[zip].set(ZipIndexRow::zipKey, i);
     ++selected;
   }

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "cut/cutlog.h"
+#include "cut/logsites.h"
 #include "cut/workstate.h"
 #include "lookup/zip.h"
 

@@ -1,8 +1,7 @@
 #include <cerrno>
 
-#include "base/assertion.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/blockread.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -21,13 +20,13 @@ BlockRead dbReadBlock(Stream* fp, std::uint32_t rba, std::int32_t count, void* b
   if (proc == nullptr || count < 0) return {-1, 0};
   if (count == 0) return {0, 0};
 
-  // A failed seek leaves no record and no read is counted; both are meant.
+  // Deliberate: a failed seek leaves no record and no read is counted, unlike in readFile.
   if (streamSeek(fp, rba) != 0) return {-1, 0};
   const auto wanted = static_cast<std::size_t>(count);
   const std::size_t got = streamRead(fp, buffer, wanted);
   const int error = errno;
   if (got < wanted) reportShortRead(fp, count, got, error, proc, kShortRead, msgText);
-  // A short read answers the requested count; that is meant, as in readFile.
+  // Deliberate: a short read answers the requested count, as in readFile.
   return {count, got};
 }
 
@@ -38,21 +37,21 @@ std::int32_t dbReadFile(Stream* fp, std::uint32_t rba, std::int32_t count, void*
 
 Stream* openReadFile(ProcObj* proc, const char* path) {
   if (proc == nullptr) return nullptr;
-  Stream* const stream = openPath(path, "rb");
+  Stream* const stream = streamOpen(path, "rb");
   if (stream == nullptr) {
     const int error = errno;
     logFormatted(msgText, proc, kHere.at(__LINE__), kError, "Error", kReasonOpen,
-                 "Failed to open (%d) %s\n", error, textOf(path));
+                 "Failed to open (%d) %s\n", error, orEmpty(path));
   }
   return stream;
 }
 
 Stream* openOutFile(ProcObj* proc, const char* path) {
   if (proc == nullptr) return nullptr;
-  Stream* const stream = openPath(path, "w");
+  Stream* const stream = streamOpen(path, "w");
   if (stream == nullptr) {
     logFormatted(msgText, proc, kHere.at(__LINE__), kError, "Error", kReasonOpen,
-                 "Could not open out file: %s\n", textOf(path));
+                 "Could not open out file: %s\n", orEmpty(path));
   }
   return stream;
 }
@@ -60,31 +59,31 @@ Stream* openOutFile(ProcObj* proc, const char* path) {
 void memoryError(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
   utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, "Mem Alloc Err", kReasonMemory,
-                 kMsgNoMemory, textOf(text));
+                 kMsgNoMemory, orEmpty(text));
 }
 
 void memoryWarning(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
   utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kWarn, "Mem Alloc", kReasonMemory,
-                 kMsgNoMemory, textOf(text));
+                 kMsgNoMemory, orEmpty(text));
 }
 
 void readRefError(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
   utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, "RefDB Read Err", kReasonRefRead,
-                 kMsgRefRead, textOf(text));
+                 kMsgRefRead, orEmpty(text));
 }
 
 void readRefWarning(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
   utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kWarn, "RefDB Read", kReasonRefRead,
-                 kMsgRefRead, textOf(text));
+                 kMsgRefRead, orEmpty(text));
 }
 
 void readRangeError(const char* text, ProcObj* proc) {
   if (proc == nullptr) return;
   utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, "RangeDB Read Err", kReasonRangeRead,
-                 kMsgRangeRead, textOf(text));
+                 kMsgRangeRead, orEmpty(text));
 }
 
 }  // namespace statecut

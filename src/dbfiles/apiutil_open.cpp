@@ -1,8 +1,9 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "base/clock.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/blockread.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -17,14 +18,14 @@ constexpr std::uint32_t kReasonNotAPair = 20113;
 constexpr LogSource kHere{kApiutil, 3000};
 
 void logPath(ProcObj* proc, LogSite site, const char* title, const char* path) {
-  utlWriteLogMsg(proc, site.source, site.line, kDebug, title, kReasonNone, kMsgText, textOf(path));
+  utlWriteLogMsg(proc, site.source, site.line, kDebug, title, kReasonNone, kMsgText, orEmpty(path));
 }
 
 void logNotOpened(ProcObj* proc, LogSite site, const char* title, std::uint32_t reason,
                   const char* path) {
   const int error = errno;
   logFormatted(msgText, proc, site, kError, title, reason, "Failed to open (%d) %s\n", error,
-               textOf(path));
+               orEmpty(path));
 }
 
 void reportMismatch(ProcObj* proc, LogSite site, std::uint32_t reason, const char* text) {
@@ -39,12 +40,12 @@ void reportMismatch(ProcObj* proc, LogSite site, std::uint32_t reason, const cha
 }
 
 void showPair(const RngControlRec& rng, ProcObj* proc) {
-  char time[kTimeTextSize];
+  char time[kStampTextSize];
   if ((rng.get(RngControlRec::typeFlags) & kTypeStateCut) != 0) {
-    formatTimeStamp(rng.get(RngControlRec::stateCutTimeStamp), time);
+    formatLocalTime(time, sizeof time, kStampFormat, rng.get(RngControlRec::stateCutTimeStamp));
     showValue(proc, kHere.at(__LINE__), "State Cut DB Timestamp: %s", time);
   }
-  formatTimeStamp(rng.get(RngControlRec::buildTimeStamp), time);
+  formatLocalTime(time, sizeof time, kStampFormat, rng.get(RngControlRec::buildTimeStamp));
   showValue(proc, kHere.at(__LINE__), "DB Timestamp          : %s", time);
   showValue(proc, kHere.at(__LINE__), "DB Version            : %s",
             formatVersion(rng.get(RngControlRec::version).data()));
@@ -57,7 +58,7 @@ void showPair(const RngControlRec& rng, ProcObj* proc) {
 Stream* dbOpenRefDB(ProcObj* proc, const char* path) {
   if (proc == nullptr) return nullptr;
   logPath(proc, kHere.at(__LINE__), "Cityfile filename", path);
-  Stream* const stream = openPath(path, "rb");
+  Stream* const stream = streamOpen(path, "rb");
   if (stream == nullptr) {
     logNotOpened(proc, kHere.at(__LINE__), "Cityfile DB Open Error", kReasonCityfileOpen, path);
   } else if (dbLookupInstaller != nullptr) {
@@ -69,7 +70,7 @@ Stream* dbOpenRefDB(ProcObj* proc, const char* path) {
 Stream* dbOpenRangeDB(ProcObj* proc, const char* path) {
   if (proc == nullptr) return nullptr;
   logPath(proc, kHere.at(__LINE__), "Datafile filename", path);
-  Stream* const stream = openPath(path, "rb");
+  Stream* const stream = streamOpen(path, "rb");
   if (stream == nullptr) {
     logNotOpened(proc, kHere.at(__LINE__), "Datafile DB Open Error", kReasonDatafileOpen, path);
   }

@@ -3,8 +3,9 @@
 #include <cstdio>
 #include <span>
 
+#include "base/clock.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/blockread.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -141,7 +142,7 @@ struct Dump {
   void words(const unsigned char* record, std::span<const LabelledWord> rows,
              int at = __builtin_LINE()) const {
     for (const LabelledWord& row : rows) {
-      // Numbers above 2147483647 are shown negative; that is meant, as in every numbered message.
+      // Deliberate: numbers above 2147483647 are shown negative, as in every numbered message.
       utlWriteLogMsg(proc, source.name, source.line(at), kDebug, kTitle, kReasonNone,
                      kMsgTextNumber, row.label,
                      static_cast<std::int32_t>(le::get<4>(record + row.at)));
@@ -152,18 +153,19 @@ struct Dump {
 // The identification header, which both record types share.
 template <typename Record>
 void header(const Dump& to, const Record& record) {
-  char text[kTimeTextSize];
+  char text[kStampTextSize];
   to.labelled("Version and Release      : ", formatVersion(record.get(Record::version).data()));
   to.labelled("Copyright Date           : ",
               formatCopyRight(record.get(Record::copyrightDate).data()));
-  formatTimeStamp(record.get(Record::buildTimeStamp), text);
+  formatLocalTime(text, sizeof text, kStampFormat, record.get(Record::buildTimeStamp));
   to.labelled("Build Time Stamp         : ", text);
   to.labelled("Character Type           : ",
               record.get(Record::characterType) == 1 ? "ASCII" : "EBCDIC");
   const char* value = record.get(Record::endianType) == 1 ? "LITTLE ENDIAN" : "BIG ENDIAN";
   to.labelled("Endian Type              : ", value);
 
-  // With neither type flag the type line repeats the endian text; that is meant.
+  // Deliberate: with neither type flag the type line repeats the endian text; dumps of such files
+  // have always read so.
   const std::uint32_t flags = record.get(Record::typeFlags);
   const bool cut = (flags & kTypeStateCut) != 0;
   if ((flags & kTypeReference) != 0) {
@@ -173,7 +175,7 @@ void header(const Dump& to, const Record& record) {
   }
   to.labelled("Data Base Type           : ", value);
   const std::uint32_t stamp = record.get(Record::stateCutTimeStamp);
-  formatTimeStamp(stamp, text);
+  formatLocalTime(text, sizeof text, kStampFormat, stamp);
   to.labelled("State Cut Time Stamp     : ", stamp == 0 ? "not state cut" : text);
 }
 

@@ -3,8 +3,8 @@
 
 #include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/blockread.h"
 #include "dbfiles/dbaccess.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -17,7 +17,8 @@ constexpr std::size_t kNoWord = 0;
 // For each partition the words (byte offsets) of which a zero makes it empty.
 using PartitionWords = std::array<std::array<std::size_t, 3>, kPartitions>;
 
-// The two readers test different words of partitions 11 and 12; that is meant.
+// Deliberate: the two readers test different words of partitions 11 and 12; each has its own
+// records in the log.
 constexpr PartitionWords partitionWords(std::size_t word11, std::size_t word12) {
   return {
       {{Ref::streetPatternsCount.at, Ref::pobPatternsCount.at, Ref::rrPatternsCount.at},
@@ -128,7 +129,8 @@ RefControlRec* dbReadRefControlRec(Stream* fp, ProcObj* proc) {
   logRecordSize(kLibrary, proc);
   if (!came(dbReadBlock(fp, 0, static_cast<std::int32_t>(RefControlRec::size), record, proc),
             RefControlRec::size)) {
-    // The unread buffer stays in proc until the tables are released; that is meant.
+    // Deliberate: the unread buffer stays in proc until the tables are released, for callers that
+    // look at it there.
     readRefError("control record", proc);
     return nullptr;
   }

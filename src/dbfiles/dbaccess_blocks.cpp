@@ -1,9 +1,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "base/assertion.h"
-#include "dbfiles/blockread.h"
 #include "dbfiles/dbaccess.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -14,12 +13,6 @@ constexpr LogSource kShortRead{kDbaccess, 6000};
 constexpr LogSite kSeekFailed{kDbaccess, 1326};  // part of the log's format
 
 constexpr std::uint32_t kMaxCount = 2147483647;  // results are signed 32-bit
-
-void countRead(ProcObj* proc) {
-  if (proc->stats == nullptr) return;
-  proc->stats->reads =
-      static_cast<std::int32_t>(static_cast<std::uint32_t>(proc->stats->reads) + 1);
-}
 
 void reportShortWrite(std::size_t requested, std::size_t written, ProcObj* proc) {
   char text[kDbaccessTextSize];
@@ -52,13 +45,13 @@ BlockRead readBlock(Stream* fp, std::uint32_t rba, std::uint32_t count, void* bu
   STATECUT_ASSERT(buffer != nullptr, "buffer != ((void *)0)", kDbaccess, "readFile");
   STATECUT_ASSERT(!streamError(fp), "ferror(fp) == 0", kDbaccess, "readFile");
   if (proc == nullptr) return {-1, 0};
-  countRead(proc);
+  tally(proc, &Statistics::reads);
   if (count > kMaxCount) return {-1, 0};
 
   char text[kDbaccessTextSize];
   if (streamSeek(fp, rba) != 0) {
     const int error = errno;
-    // An RBA above 2147483647 is shown negative; that is meant.
+    // Deliberate: an RBA above 2147483647 is shown negative; the text is part of the log's format.
     logFormatted(text, proc, kSeekFailed, kError, "DB Seek Error", kReasonRead, "rba=%d, %s\n",
                  static_cast<std::int32_t>(rba), std::strerror(error));
     return {-1, 0};
@@ -67,7 +60,8 @@ BlockRead readBlock(Stream* fp, std::uint32_t rba, std::uint32_t count, void* bu
   const int error = errno;
   const auto requested = static_cast<std::int32_t>(count);
   if (got < count) reportShortRead(fp, requested, got, error, proc, kShortRead, text);
-  // A short read answers the requested count; that is meant, callers read whole blocks.
+  // Deliberate: a short read answers the requested count, for callers that read whole blocks past
+  // the end of a file.
   return {requested, got};
 }
 
@@ -103,11 +97,11 @@ int flushFile(Stream* fp, ProcObj* proc) {
 
 Stream* openWriteFile(ProcObj* proc, const char* path) {
   if (proc == nullptr) return nullptr;
-  Stream* const stream = openPath(path, "wb");
+  Stream* const stream = streamOpen(path, "wb");
   if (stream == nullptr) {
     char text[kDbaccessTextSize];
     logFormatted(text, proc, kHere.at(__LINE__), kError, "Error", kReasonOpen,
-                 "Could not open out file: %s\n", textOf(path));
+                 "Could not open out file: %s\n", orEmpty(path));
   }
   return stream;
 }

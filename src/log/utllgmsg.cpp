@@ -20,12 +20,10 @@ constexpr const char* kSource = "utllgmsg";
 constexpr const char* kEngineVersion = "10.00.0.O.F1";
 constexpr std::size_t kMessageSize = 4096;
 
-// "CRITCAL" is spelled so; meant.
+// Deliberate: "CRITCAL" is spelled so; log filters match on it.
 constexpr const char* msgTypes[] = {"", "CRITCAL", "ERR", "WARN", "INFO", "DBG"};
 
 char logText[8192];  // the record being written
-
-const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
 
 const char* severityName(std::int32_t severity) {
   return severity >= 0 && severity <= kDebug ? msgTypes[severity] : "";
@@ -35,7 +33,7 @@ const char* severityName(std::int32_t severity) {
 void formatRecord(const char* source, std::int32_t line, std::int32_t severity, const char* title,
                   std::uint32_t reason, const char* message) {
   char date[40];
-  // A point, not a colon, stands before the seconds; meant.
+  // Deliberate: a point, not a colon, stands before the seconds, for programs that read the log.
   formatLocalTime(date, sizeof date, "%m/%d/%y %H:%M.%S", currentTime());
   const int wanted = std::snprintf(logText, sizeof logText - 1, "%s;%s;%s;%d;%u;%s;%s", date,
                                    severityName(severity), buildLogID(source, line), processId,
@@ -69,10 +67,18 @@ std::int32_t writeFirstRecords(ProcObj* proc, const char* fileName) {
     result =
         utlWriteLogMsg(proc, kSource, __LINE__, kInfo, "Log", kReasonNone, kMsgLogFile, fileName);
   }
-  // Its result is not looked at; meant.
+  // Deliberate: its result is not looked at; a run whose log filled up right here goes on.
   utlWriteLogMsg(proc, kSource, __LINE__, kInfo, "Velandor Engine", kReasonNone, kMsgText,
                  kEngineVersion);
   return result;
+}
+
+void trace(ProcObj* proc, LogSource source, std::int32_t line, const char* verb, const char* name) {
+  if (!traceOn(proc)) return;
+  char text[128];
+  std::snprintf(text, sizeof text, "%s%s", verb, orEmpty(name));
+  utlWriteLogMsg(proc, source.name, source.line(line), kDebug, "Debug", kReasonTrace, kMsgText,
+                 text);
 }
 
 }  // namespace
@@ -169,6 +175,18 @@ const char* buildLogID(const char* source, std::int32_t line) {
   std::memcpy(id, name, length);
   std::snprintf(id + length, sizeof id - length, ":%04d", line);
   return id;
+}
+
+bool traceOn(const ProcObj* proc) {
+  return proc != nullptr && proc->options != nullptr && proc->options->debugSwitch == 'D';
+}
+
+void traceEntering(ProcObj* proc, LogSource source, std::int32_t line, const char* name) {
+  trace(proc, source, line, "Entering ", name);
+}
+
+void traceLeaving(ProcObj* proc, LogSource source, std::int32_t line, const char* name) {
+  trace(proc, source, line, "Leaving ", name);
 }
 
 }  // namespace statecut

@@ -11,12 +11,14 @@
 namespace statecut {
 namespace {
 
-std::terminate_handler endOfOthers = nullptr;
+std::terminate_handler handlerBefore = nullptr;
 
-// When memory is so short that the exception that tells of it finds none, nothing is thrown and
-// nothing can be caught: the run ends here, as it does where the exception is caught.
+// Throwing std::bad_alloc takes memory, too. Where there is none even for that, the library calls
+// this with no exception under way, and the run ends with the message and status of a bad_alloc
+// that was caught. Any other exception that nobody caught goes to the handler that was there
+// before.
 [[noreturn]] void endWithoutMemory() {
-  if (std::current_exception() != nullptr) endOfOthers();
+  if (std::current_exception() != nullptr) handlerBefore();
   std::fputs("statecut: out of memory\n", stderr);
   (void)std::fflush(stdout);
   std::_Exit(255);
@@ -38,7 +40,7 @@ void prepareProcess() {
   // A file at its size limit and a pipe that nobody reads are write errors, reported as such.
   (void)std::signal(SIGXFSZ, SIG_IGN);
   (void)std::signal(SIGPIPE, SIG_IGN);
-  endOfOthers = std::set_terminate(endWithoutMemory);
+  handlerBefore = std::set_terminate(endWithoutMemory);
 }
 
 }  // namespace statecut

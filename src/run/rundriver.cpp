@@ -8,12 +8,11 @@
 #include "base/cmdline.h"
 #include "base/procobj.h"
 #include "cut/cutstate.h"
+#include "cut/distinctfiles.h"
 #include "log/utllgmsg.h"
-#include "run/logguard.h"
 #include "run/settings.h"
 #include "run/statelist.h"
 #include "run/statetable.h"
-#include "run/usage.h"
 
 namespace statecut {
 namespace {
@@ -41,7 +40,7 @@ void writeTimeLine(const char* label) {
   char time[40];
   char line[80];
   dateAndTime = currentTime();
-  // Blanks, not slashes, stand between month, day and year; meant.
+  // Deliberate: blanks, not slashes, stand between month, day and year, for readers of the log.
   formatLocalTime(time, sizeof time, "%m %d %Y %H:%M:%S", dateAndTime);
   std::snprintf(line, sizeof line, "%s Time: %s\n", label, time);
   utlWriteText(line, procObj.files->log, cmdLine.topOfForm);
@@ -88,8 +87,7 @@ std::int32_t run(int argc, char** argv) {
   std::fputs("Processing ... please wait.\n", stdout);
   utlTOF(cmdLine.topOfForm);
   if (static_cast<std::int16_t>(openLog()) < 0) {
-    std::fprintf(stderr, "Could not open log file/utility: %s\n",
-                 cmdLine.logFile == nullptr ? "" : cmdLine.logFile);
+    std::fprintf(stderr, "Could not open log file/utility: %s\n", orEmpty(cmdLine.logFile));
     return kLogNotOpen;
   }
   return runWithLog();

@@ -26,8 +26,8 @@ struct NameOption {
   std::int32_t tooLong;  // the status of an argument that is too long
 };
 
-// -c is not in the option string, so never reached, and -o and -z have the statuses of -f and -g;
-// all meant.
+// Deliberate: -c is not in the option string, so never reached, and -o and -z have the statuses of
+// -f and -g; scripts know them.
 constexpr NameOption kNameOptions[] = {
     {&CmdLine::logFile, 'l', -1},  {&CmdLine::configFile, 'c', -2}, {&CmdLine::refDb, 'f', -3},
     {&CmdLine::rangeDb, 'g', -4},  {&CmdLine::stateFile, 's', -5},  {&CmdLine::refOut, 'o', -3},
@@ -47,7 +47,33 @@ constexpr DefaultName kDefaultNames[] = {
     {&CmdLine::refOut, "city.sc"},      {&CmdLine::rangeOut, "zip4us.sc"},
 };
 
-const char* orEmpty(const char* text) { return text == nullptr ? "" : text; }
+// Deliberate: the configuration file that the text names is never read; the text stays as it is.
+constexpr const char* kUsage =
+    "where: \n"
+    "    -s statefile  = File containing list of state abbreviations.\n"
+    "    -l logfile    = Log file name.\n"
+    "    -f refdb      = Reference/City DB file name.\n"
+    "    -g rngdb      = Range/Zip4 DB file name.\n"
+    "    -o refOut     = Output Reference/City DB file name.\n"
+    "    -z rngOut     = Output Range/Zip4 DB file name.\n"
+    "    -v loglevel   = Set log level.\n"
+    "    -i            = Display state name and abbreviation info.\n"
+    "    -t            = Prompt user to hit <Enter> key to complete process.\n"
+    "    -h            = Display usage.\n"
+    "    -?            = Display usage.\n"
+    "A list of state abbreviations must be specified either in a file or at standard input.\n"
+    "The list of state names and abbreviations can be displayed using the -i option.\n"
+    "If the reference db and range db are not found, the configuration file will be used.\n"
+    "There is no default state file name.\n"
+    "The default log file is tolvlog.txt.\n"
+    "The default ref/city db file is city.dir.\n"
+    "The default range/zip4 db file is zip4us.dir.\n"
+    "The default output ref/city db is city.sc.\n"
+    "The default output range/zip4 db is zip4us.sc.\n"
+    "Options can be in upper case (e.g. -S is the same as -s), but file names are case "
+    "sensitive.\n"
+    "See documentation for MF defaults.\n"
+    " \n";
 
 // Without memory the run ends: a default in place of a given name would read or overwrite other
 // files.
@@ -83,7 +109,7 @@ std::int32_t applyOption(int option, const char* argument) {
     case 't':
       cmdLine.prompt = 1;
       return 0;
-    case 'r':  // accepted without effect; meant
+    case 'r':  // Deliberate: accepted without effect, for scripts that give it
       return 0;
     default:  // -h, -? and what getopt has already reported
       return 1;
@@ -102,7 +128,8 @@ std::int32_t readOptions(int argc, char** argv) {
   std::int32_t status = 0;
   optind = 0;  // not 1: an earlier call may have left an argument in the middle
   int option = 0;
-  // One more option is taken after a status was set, and not applied; meant.
+  // Deliberate: one more option is taken after a status was set, and not applied, so that a bad one
+  // behind it is still reported.
   while ((option = ::getopt(argc, argv, kOptionString)) != -1 && status == 0) {
     status = applyOption(option, optarg);
   }
@@ -148,6 +175,15 @@ void logCmdLine(Stream* log) {
   for (std::int32_t i = 0; i < std::min(cmdLine.stateCount, kMaxStates); ++i) {
     writeLine(log, "", cmdLine.states[i]);
   }
+}
+
+void printUsage(const char* programName) {
+  // Deliberate: "logleve" is spelled so; the text stays as it is.
+  std::fprintf(stderr,
+               "Usage: %s [-s statefile][-l logfile][-f refdb][-g rngdb][-o refOut][-z rngOut]"
+               "[-v logleve][-i][-h?]\n",
+               orEmpty(programName));
+  std::fputs(kUsage, stderr);
 }
 
 void freeCmdLine() {

@@ -1,5 +1,5 @@
 #pragma once
-// The settings of a run: from the command line into cmdLine, into the log, and released.
+// The settings of a run: from the command line into cmdLine, into the log, and released; the usage.
 
 #include <cstdint>
 
@@ -13,6 +13,8 @@ namespace statecut {
 
 // Writes the settings and the state list as text lines; a null stream is standard output.
 void logCmdLine(Stream* log);
+
+void printUsage(const char* programName);  // to standard error
 
 void freeCmdLine();  // releases the strings of cmdLine and sets them to null
 

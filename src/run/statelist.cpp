@@ -65,7 +65,8 @@ std::int32_t readLines(Stream* file) {
   return status;
 }
 
-// Without a single state the whole database is meant; the rows of the table stay unmarked.
+// An empty list is the list of all states. No row of the table of states is marked as selected
+// then, as nobody named it.
 void takeAllStates() {
   std::fputs("No input specified.\n  The entire database is being copied:\n\n", stderr);
   for (const auto& abbreviation : abvstates) {

@@ -88,7 +88,7 @@ std::array<State, kStateRows> states = {
     row("Wyoming", "WY"),
 };
 
-// Alphabetical but for a few that follow the states' names; meant.
+// Deliberate: alphabetical but for a few that follow the states' names, as users see the list.
 // clang-format off
 const std::array<char[3], kAbbreviations> abvstates = {{
     "AA", "AE", "AL", "AK", "AP", "AS", "AR", "AZ", "CA", "CO", "CT", "DC",
@@ -102,7 +102,7 @@ const std::array<char[3], kAbbreviations> abvstates = {{
 
 std::int32_t verifyState(const char* text) {
   if (text == nullptr) return 1;
-  // An abbreviation of several rows marks the first alone; meant.
+  // Deliberate: an abbreviation of several rows marks the first alone; the table always showed so.
   for (State& state : states) {
     if (std::strncmp(text, state.abbreviation, 2) == 0) {
       state.selected = 1;

@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "base/procobj.h"
-#include "cut/closedbs.h"
+#include "cut/workstate.h"
 #include "info/info.h"
 #include "lookup/session.h"
 #include "query/run.h"

@@ -2,7 +2,7 @@
 
 #include "base/stream.h"
 #include "cut/blockcopy.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 #include "cut/rangecopy.h"
 #include "cut/refcopy.h"
 #include "unit/cut/cutbench.h"

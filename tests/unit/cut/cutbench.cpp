@@ -10,7 +10,7 @@
 #include "base/cmdline.h"
 #include "base/memory.h"
 #include "base/stream.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 
 namespace cutbench {
 
@@ -42,7 +42,7 @@ CutBench::CutBench() {
   pProcObj = &proc;
   cmdLine = {};
   refPointers.fill(RefSlot{});
-  resetGuards();
+  forgetEarlierCut();
 }
 
 CutBench::~CutBench() {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "base/stream.h"
-#include "cut/blockcopy.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
+#include "cut/rangecopy.h"
 #include "unit/cut/cutbench.h"
 
 namespace {
@@ -26,7 +26,7 @@ class Plan : public cutbench::CutBench {
     openOutputs();
   }
   static void run(const std::vector<Partition>& partitions) {
-    RangePlan plan;
+    RangePlan plan(rangePath());
     for (const auto& [rba, bytes] : partitions) plan.add(rba, bytes);
     for (const auto& [rba, bytes] : partitions) EXPECT_EQ(plan.copy(rba, bytes), 0);
   }
@@ -77,7 +77,7 @@ TEST_F(Plan, SizesThatCopyNothingAreLeftOut) {
 
 TEST_F(Plan, PartitionThatWasNotPlannedIsCopiedAllTheSame) {
   start(pattern(100'000, 4));
-  RangePlan plan;
+  RangePlan plan(rangePath());
   plan.add(0, 50'000);
   EXPECT_EQ(plan.copy(50'000, 100), 0);
   EXPECT_EQ(writtenRange(), slice(source_, 50'000, 100));
@@ -137,7 +137,7 @@ TEST_F(Plan, FailedWriteIsSaidOfThePartitionThatMeetsIt) {
   streamClose(newRangeDb);
   newRangeDb = streamOpen("/dev/full", "wb");
   ASSERT_NE(newRangeDb, nullptr);
-  RangePlan plan;
+  RangePlan plan(rangePath());
   plan.add(0, 100'000);
   plan.add(100'000, 100'000);
   testing::internal::CaptureStdout();
@@ -155,7 +155,7 @@ TEST_F(Plan, FailedFlushInFrontOfAWindowIsLoggedAsTheFailedWriteThatItIs) {
   streamClose(newRangeDb);
   newRangeDb = streamOpen("/dev/full", "wb");
   ASSERT_EQ(streamWrite(newRangeDb, source_.data(), 624), 624u);
-  RangePlan plan;
+  RangePlan plan(rangePath());
   plan.add(0, 100'000);
   plan.add(100'000, 100'000);
   testing::internal::CaptureStdout();

@@ -4,8 +4,8 @@
 
 #include "base/memory.h"
 #include "base/stream.h"
-#include "cut/closedbs.h"
-#include "cut/guards.h"
+#include "cut/openfiles.h"
+#include "cut/workstate.h"
 #include "unit/cut/cutbench.h"
 
 namespace {

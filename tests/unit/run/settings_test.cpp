@@ -6,7 +6,6 @@
 
 #include "base/cmdline.h"
 #include "base/stream.h"
-#include "run/usage.h"
 #include "unit/log/sandbox.h"
 #include "unit/run/arguments.h"
 

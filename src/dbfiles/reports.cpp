@@ -1,10 +1,10 @@
-#include "dbfiles/blockread.h"
+#include "dbfiles/reports.h"
 
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 namespace statecut {
 
@@ -34,19 +34,12 @@ void reportShortRead(const Stream* fp, std::int32_t requested, std::size_t got, 
   }
 }
 
-Stream* openPath(const char* path, const char* mode) {
-  if (path == nullptr) {
-    errno = EINVAL;
-    return nullptr;
-  }
-  return streamOpen(path, mode);
-}
-
-void formatTimeStamp(std::uint32_t stamp, char (&text)[kTimeTextSize]) {
-  const auto seconds = static_cast<std::time_t>(stamp);
-  const std::tm* local = std::localtime(&seconds);
-  if (local == nullptr || std::strftime(text, sizeof text, "%m-%d-%Y %H:%M:%S", local) == 0)
-    text[0] = '\0';
+void assertionFailed(const char* expression, const char* source, std::int32_t line,
+                     const char* function) {
+  std::fprintf(stderr, "%s: %s:%d: %s: Assertion `%s' failed.\n", program_invocation_short_name,
+               source, line, function, expression);
+  std::fflush(stderr);
+  std::abort();
 }
 
 }  // namespace statecut

@@ -1,5 +1,6 @@
 #pragma once
-// Inside of the file layer: block reads that also tell the true count, and formatted log records.
+// Inside of the file layer: block reads that also tell the true count, and what it reports: log
+// records with a formatted text, and errors of its caller.
 
 #include <cstddef>
 #include <cstdint>
@@ -33,17 +34,20 @@ void reportShortRead(const Stream* fp, std::int32_t requested, std::size_t got, 
                                                 std::int32_t severity, const char* title,
                                                 std::uint32_t reason, const char* format, ...);
 
-// As streamOpen; a null path fails with EINVAL.
-[[nodiscard]] Stream* openPath(const char* path, const char* mode);
-[[nodiscard]] inline const char* textOf(const char* text) { return text == nullptr ? "" : text; }
+// A guard against errors of the caller, active in every build type: prints the standard assertion
+// text, naming a source file of the system, and aborts.
+[[noreturn]] void assertionFailed(const char* expression, const char* source, std::int32_t line,
+                                  const char* function);
+
+#define STATECUT_ASSERT(condition, expression, source, function) \
+  ((condition) ? static_cast<void>(0)                            \
+               : ::statecut::assertionFailed(expression, source, __LINE__, function))
 
 inline constexpr std::size_t kMsgTextSize = 256;
 extern char msgText[kMsgTextSize];  // the message buffer that all apiutil routines share
 
 inline constexpr std::size_t kDbaccessTextSize = 2304;  // holds any path that settings allow
-inline constexpr std::size_t kTimeTextSize = 40;
-
-// Local time "MM-DD-YYYY HH:MM:SS" of seconds since 1970; "" when it has no local time.
-void formatTimeStamp(std::uint32_t stamp, char (&text)[kTimeTextSize]);
+inline constexpr const char* kStampFormat = "%m-%d-%Y %H:%M:%S";  // of a control record's stamps
+inline constexpr std::size_t kStampTextSize = 40;
 
 }  // namespace statecut

@@ -1,4 +1,4 @@
-#include "cut/cutlog.h"
+#include "cut/logsites.h"
 
 #include <string>
 

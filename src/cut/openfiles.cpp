@@ -1,13 +1,11 @@
-#include "cut/guards.h"
+#include "cut/openfiles.h"
 
 #include <cerrno>
 #include <cstring>
-#include <string>
 
 #include "base/cmdline.h"
 #include "base/procobj.h"
-#include "base/samefile.h"
-#include "cut/cutlog.h"
+#include "cut/logsites.h"
 #include "cut/workstate.h"
 #include "dbfiles/dbaccess.h"
 
@@ -18,7 +16,7 @@ namespace {
 constexpr LogSource kHere{kCutstate, 2000};
 
 struct OutputState {
-  int failure = 0;  // errno of a failed flush, close or rewind
+  int failure = 0;  // errno of the first failed write, flush, close or rewind
   bool reported = false;
 };
 
@@ -27,11 +25,11 @@ OutputState rangeOutput;
 bool refSourceReported = false;
 bool rangeSourceReported = false;
 
-bool tooLong(const char* path) { return std::strlen(path) > kMaxOutputPath; }
-
+// A file that is short from the start is read as far as it goes: databases without their last bytes
+// have always been accepted. One that becomes shorter while it is read is no database of any
+// moment.
 bool sourceFailed(LogSite site, const Stream* stream, const char* path, bool& reported) {
   const bool error = inError(stream);
-  // A short file is read as it stands; one that loses bytes meanwhile is no state of a database.
   if (!error && (stream == nullptr || !streamShrank(stream))) return false;
   if (!reported) {
     logPathError(site, "DB Read Error", kReasonRead, path,
@@ -64,36 +62,17 @@ void closeOutput(Stream*& stream, OutputState& state) {
   stream = nullptr;
 }
 
-bool refuseIfSame(LogSite site, const char* output, const char* other) {
-  if (tooLong(output) || !sameFile(output, other)) return false;
-  logPathError(site, "Open Error", kReasonOpen, output,
-               ("same file as " + std::string(other)).c_str());
-  return true;
-}
-
 }  // namespace
 
-const char* pathOf(const char* setting) { return setting == nullptr ? "" : setting; }
-
 Stream* openOutput(const char* path) {
-  if (tooLong(path)) {
+  if (std::strlen(path) > kMaxOutputPath) {
     errno = ENAMETOOLONG;
     return nullptr;
   }
   return streamOpen(path, "wb");
 }
 
-std::int32_t checkOutputNames() {
-  const char* outputs[] = {pathOf(cmdLine.refOut), pathOf(cmdLine.rangeOut)};
-  for (const char* output : outputs) {
-    for (const char* input : {cmdLine.refDb, cmdLine.rangeDb, cmdLine.stateFile}) {
-      if (refuseIfSame(kHere.at(__LINE__), output, pathOf(input))) return -1;
-    }
-  }
-  return refuseIfSame(kHere.at(__LINE__), outputs[1], outputs[0]) ? -1 : 0;
-}
-
-void resetGuards() {
+void forgetEarlierCut() {
   for (Stream** left : {&newRefDb, &newRangeDb}) {
     streamClose(*left);
     *left = nullptr;
@@ -104,22 +83,22 @@ void resetGuards() {
   rangeSourceReported = false;
 }
 
-bool inError(const Stream* source) { return source != nullptr && streamError(source); }
+bool inError(const Stream* stream) { return stream != nullptr && streamError(stream); }
 
 bool refSourceFailed() {
-  return sourceFailed(kHere.at(__LINE__), pProcObj->files->reference, pathOf(cmdLine.refDb),
+  return sourceFailed(kHere.at(__LINE__), pProcObj->files->reference, orEmpty(cmdLine.refDb),
                       refSourceReported);
 }
 
 bool rangeSourceFailed() {
-  return sourceFailed(kHere.at(__LINE__), pProcObj->files->range, pathOf(cmdLine.rangeDb),
+  return sourceFailed(kHere.at(__LINE__), pProcObj->files->range, orEmpty(cmdLine.rangeDb),
                       rangeSourceReported);
 }
 
 bool outputsFailed() {
-  const bool ref = outputFailed(kHere.at(__LINE__), newRefDb, pathOf(cmdLine.refOut), refOutput);
+  const bool ref = outputFailed(kHere.at(__LINE__), newRefDb, orEmpty(cmdLine.refOut), refOutput);
   const bool range =
-      outputFailed(kHere.at(__LINE__), newRangeDb, pathOf(cmdLine.rangeOut), rangeOutput);
+      outputFailed(kHere.at(__LINE__), newRangeDb, orEmpty(cmdLine.rangeOut), rangeOutput);
   return ref || range;
 }
 

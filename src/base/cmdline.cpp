@@ -1,7 +1,0 @@
-#include "base/cmdline.h"
-
-namespace statecut {
-
-CmdLine cmdLine{};
-
-}  // namespace statecut

@@ -1,8 +1,0 @@
-#pragma once
-// The usage text.
-
-namespace statecut {
-
-void printUsage(const char* programName);  // to standard error
-
-}  // namespace statecut
