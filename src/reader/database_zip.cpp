@@ -5,6 +5,7 @@
 
 #include "lookup/inmemory.h"
 #include "reader/loaded.h"
+#include "tables/directory.h"
 
 namespace statecut {
 
@@ -25,11 +26,11 @@ std::span<const RowType> listOf(const RowType* first, std::uint32_t start, std::
   return {first, count};
 }
 
-std::span<const unsigned char> smallRecord(const TableView& view, SlotNumber slot,
-                                           std::uint32_t position, std::uint32_t count) {
-  constexpr std::size_t kBytes = 32;
-  if (position == 0 || position >= count) return {};
-  return {view.table(slot) + position * kBytes, kBytes};
+std::span<const unsigned char> smallRecord(const TableView& view, TableId id,
+                                           std::uint32_t position) {
+  const TableLine& line = tableLine(id);
+  if (position == 0 || position >= tableRecords(*view.record, id)) return {};
+  return {view.table(line.slot) + std::size_t{position} * line.width, line.width};
 }
 
 }  // namespace
@@ -190,12 +191,11 @@ const GeneralDeliveryRow* Database::generalDelivery(std::uint32_t key) const noe
 }
 
 std::span<const unsigned char> Database::county(std::uint32_t position) const noexcept {
-  return smallRecord(loaded_->view, kSlotCounties, position,
-                     loaded_->view.word(Ref::countiesCount));
+  return smallRecord(loaded_->view, TableId::kCounties, position);
 }
 
 std::span<const unsigned char> Database::urbanization(std::uint32_t position) const noexcept {
-  return smallRecord(loaded_->view, kSlotUrbs, position, loaded_->view.word(Ref::urbsCount));
+  return smallRecord(loaded_->view, TableId::kUrbs, position);
 }
 
 }  // namespace v1
