@@ -46,7 +46,7 @@ void formatRecord(const char* source, std::int32_t line, std::int32_t severity, 
   }
 }
 
-// Tells the operator once a run that a record, or text without one (null), went nowhere.
+// Tells the operator once a run that a record, or text without one (null), is not in the log.
 std::int32_t reportWriteFailure(FileRecord* files, const char* record, int error) {
   if (files != nullptr) {
     if (files->logWriteFailureReported != 0) return kLogWriteFailed;
