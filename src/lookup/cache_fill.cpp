@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "lookup/cacheblock.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

@@ -1,7 +1,7 @@
 // First-call variants of the city names family.
 
 #include "lookup/dispatch.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

@@ -7,7 +7,7 @@
 #include "hash/namehash.h"
 #include "lookup/cities.h"
 #include "lookup/dispatch.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

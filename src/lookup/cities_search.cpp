@@ -5,7 +5,7 @@
 
 #include "lookup/cities.h"
 #include "lookup/dispatch.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

@@ -3,9 +3,9 @@
 #include "lookup/firm.h"
 
 #include "hash/namehash.h"
+#include "lookup/cache.h"
 #include "lookup/dispatch.h"
-#include "lookup/packedname.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

@@ -6,7 +6,7 @@
 #include "base/memory.h"
 #include "base/samefile.h"
 #include "dbfiles/apiutil.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "hash/namehash.h"
+#include "lookup/cache.h"
 #include "lookup/dispatch.h"
-#include "lookup/packedname.h"
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 
 namespace statecut {
 

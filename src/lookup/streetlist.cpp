@@ -2,8 +2,8 @@
 
 #include "lookup/streetlist.h"
 
+#include "lookup/refaccess.h"
 #include "lookup/street.h"
-#include "lookup/support.h"
 #include "tables/rows.h"
 
 namespace statecut {

@@ -5,9 +5,9 @@
 #include "hash/namehash.h"
 #include "lookup/dispatch.h"
 #include "lookup/inmemory.h"
+#include "lookup/refaccess.h"
 #include "lookup/street.h"
 #include "lookup/streetlist.h"
-#include "lookup/support.h"
 
 namespace statecut {
 

@@ -1,8 +1,8 @@
 // First-call variants of the street variations, and where their sets are.
 
 #include "lookup/dispatch.h"
+#include "lookup/refaccess.h"
 #include "lookup/street.h"
-#include "lookup/support.h"
 #include "tables/tolvfree.h"
 
 namespace statecut {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "lookup/support.h"
+#include "lookup/refaccess.h"
 #include "tables/refpointers.h"
 
 namespace statecut {

@@ -7,8 +7,8 @@
 #include "lookup/cache.h"
 #include "lookup/cities.h"
 #include "lookup/firm.h"
+#include "lookup/refaccess.h"
 #include "lookup/street.h"
-#include "lookup/support.h"
 #include "lookup/zip.h"
 #include "tables/refpointers.h"
 

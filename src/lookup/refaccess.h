@@ -1,6 +1,6 @@
 #pragma once
-// What the lookup functions share: trace lines, the control record, reads of the reference file
-// and first loads.
+// How the lookups reach the reference database: its control record, reads of its file, first loads
+// of its tables, packed names, and the trace lines around them.
 
 #include <cstdint>
 
@@ -102,5 +102,19 @@ std::int32_t hashOff(const char* key, std::int32_t length, std::uint32_t type, P
 [[nodiscard]] inline bool loadFails(SlotNumber slot, TableReader* reader, ProcObj* proc) {
   return !loaded(slot) && readFails(reader, proc);
 }
+
+// Names packed as a signed length byte and the characters behind it: streets and firms.
+
+// The name whose length byte is at `at`.
+const char* packedName(const unsigned char* at, std::int32_t* length);
+
+// A name of a loaded table of `bytes` bytes; null, *length untouched, at or behind its end.
+const char* packedNameIn(SlotNumber slot, std::uint32_t offset, std::uint32_t bytes,
+                         std::int32_t* length);
+
+// A name on disk, of which the first 99 bytes are there until the next short read; null, *length
+// untouched, when it cannot be read.
+const char* packedNameOff(std::uint32_t tableRba, std::uint32_t offset, std::int32_t* length,
+                          ProcObj* proc);
 
 }  // namespace statecut
