@@ -33,6 +33,7 @@ int runStatedb(int argc, char** argv) {
   addVerifyCommand(app, status);
   addPlanCommand(app, status);
   addCutsCommand(app, status);
+  addDiffCommand(app, status);
   addQueryCommand(app, status);
   addLookupCommands(app, status);
   try {
