@@ -1,5 +1,5 @@
 # What `cmake --install` puts down: the tools with the ZIP codes that they build from, the library with
-# its headers and CMake package, and the documents.
+# its headers, its CMake package and its pkg-config file, the Python package, and the documents.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/statecut)
@@ -14,6 +14,18 @@ install(EXPORT statecut NAMESPACE statecut:: FILE statecutConfig.cmake DESTINATI
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake DESTINATION ${package_dir})
+
+# For pkg-config: the prefix is found from the place of the file, so that it may be moved.
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH to_prefix /${pkgconfig_dir} /)
+string(REGEX REPLACE "/$" "" to_prefix ${to_prefix})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/statecut.pc.in ${PROJECT_BINARY_DIR}/statecut.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/statecut.pc DESTINATION ${pkgconfig_dir})
+
+# The Python package finds the library of the prefix that it lies in.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/statecut
+  DESTINATION lib/python3/dist-packages COMPONENT python
+  FILES_MATCHING PATTERN "*.py" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
 
 # include/statecut/core is a link to src/; of that, the headers of the interface are installed.
 # They include each other by relative names, so that one include path serves both trees.
@@ -34,5 +46,8 @@ endforeach()
 file(GLOB documents CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/man/*.md)
 install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES ${PROJECT_SOURCE_DIR}/examples/lookup.cpp
+file(GLOB examples CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/examples/*.c ${PROJECT_SOURCE_DIR}/examples/*.cpp
+  ${PROJECT_SOURCE_DIR}/examples/*.py)
+install(FILES ${examples}
   DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
