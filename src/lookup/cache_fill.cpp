@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "base/system.h"
+#include "dbfiles/reports.h"
 #include "lookup/cacheblock.h"
 #include "lookup/refaccess.h"
 
@@ -59,13 +61,17 @@ std::int32_t chFillLargeCacheFromFile(Cache* cache, Stream* file, std::uint32_t 
                                       std::int32_t length, ProcObj* proc) {
   if (!usable(cache) || !fits(cache, length) || !readable(file)) return -1;
   CacheEntry& entry = replaced(cache);
-  if (readGuarded(file, rba, length, entry.data, proc) < length) return -1;
-  if (lost(file)) {
-    drop(entry);  // its bytes are those of no record
-    return -1;
+  const auto bytes = static_cast<std::size_t>(length);
+  // What a read brings before it ends early would stand under the RBA of the record in the entry.
+  void* const record = sys::allocateZeroed(bytes + 1);
+  const bool filled =
+      record != nullptr && dbReadBlock(file, rba, length, record, proc).got == bytes && !lost(file);
+  if (filled) {
+    std::memcpy(entry.data, record, bytes);
+    hold(entry, rba, length);
   }
-  hold(entry, rba, length);
-  return 0;
+  sys::release(record);
+  return filled ? 0 : -1;
 }
 
 std::int32_t chFillCacheFromData(ProcObj* proc, Cache* cache, std::uint32_t rba, const void* data) {

@@ -279,6 +279,16 @@ TEST_F(BlockCache, RecordAboveTheCapacityIsRefusedAndShortOnesLeaveIt) {
   EXPECT_EQ(starts(), (Starts{50, 100})) << "bumped, but as it was";
 }
 
+TEST_F(BlockCache, ARecordThatEndsBehindTheFileLeavesTheBytesOfTheOneInItsPlace) {
+  build(64, 2);
+  ASSERT_EQ(chFillLargeCacheFromFile(cache(), source_, 0, 20, &proc_), 0);
+  ASSERT_EQ(chFillLargeCacheFromFile(cache(), source_, 50, 20, &proc_), 0);
+  EXPECT_EQ(chFillLargeCacheFromFile(cache(), source_, 4090, 20, &proc_), -1);
+  to_.assign(64, 0);
+  EXPECT_EQ(chFillDataFromLargeCache(cache(), 0, 20, to_.data()), 0);
+  EXPECT_TRUE(holds(to_.data(), 0, 20));
+}
+
 TEST_F(BlockCache, LargePointerReads) {
   build(64, 3);
   EXPECT_EQ(chGetBlockLargeCacheDataPtr(cache(), source_, 40, 30, &out_, &proc_), 0);
