@@ -29,9 +29,10 @@ bool systemFailed(Error& error, ErrorCode code, const char* what, const std::str
                 std::string(what) + " " + file + ": " + std::generic_category().message(number));
 }
 
+// A pipe that nobody writes to is opened without waiting, and then refused as it cannot be read.
 Descriptor openFile(const std::string& path) {
   for (;;) {
-    const int fd = sys::openFile(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int fd = sys::openFile(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd >= 0 || errno != EINTR) return Descriptor(fd);
   }
 }

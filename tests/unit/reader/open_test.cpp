@@ -125,9 +125,10 @@ TEST_F(OpenDatabase, ARangeFileOfAnotherBuildOrACutIsRefused) {
   EXPECT_NE(Database::open(ref_, options, error_), nullptr) << error_.text;
 }
 
-TEST_F(OpenDatabase, AFileThatIsNoRegularOneIsRefused) {
+TEST_F(OpenDatabase, AFileThatIsNoRegularOneIsRefusedAtOnce) {
   const std::string pipe = folder_.file("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  refusal(pipe, ErrorCode::kReadFile);
   const int writer = ::open(pipe.c_str(), O_RDWR);
   refusal(pipe, ErrorCode::kReadFile);
   ::close(writer);
