@@ -128,6 +128,26 @@ TEST_F(Places, FixedLineIsUsedOnce) {
   }
 }
 
+// One would be collected by none of the tests above.
+TEST_F(Places, NoCallHasALineOfItsOwn) {
+  const char* const call = R"re(\(\s*\w+,\s*(?:k\w+|"\w+"|\w+\.(?:name|source)),\s*[0-9]+,)re";
+  const auto found = [call](const std::string& text) {
+    return std::regex_search(text, std::regex(call));
+  };
+  ASSERT_TRUE(found("utlWriteLogMsg(proc, kApiutil,\n    22, kError, title, 0, kMsgText, text);"));
+  ASSERT_TRUE(found("utlWriteLogMsg(proc, site.source, 1326, kError, title, 0, kMsgText, text);"));
+  ASSERT_FALSE(found("utlWriteLogMsg(proc, kApiutil, kHere.line(__LINE__), kError, title);"));
+  int calls = 0;
+  for (const File& file : files_) {
+    forEachMatch(file.text, R"((utlWriteLogMsg|traceEntering|traceLeaving)\([^;]*;)",
+                 [&](const std::smatch& match) {
+                   ++calls;
+                   EXPECT_FALSE(found(match.str())) << file.name << ": " << match.str();
+                 });
+  }
+  EXPECT_GE(calls, 30);
+}
+
 TEST_F(Places, LineOfTheCodeHasOnePlace) {
   int places = 0;
   for (const File& file : files_) {
