@@ -156,7 +156,7 @@ class Questions {
                                                const std::string& text) const {
     return static_cast<std::size_t>(std::count_if(
         chosen_.source.model.cityNames.begin(), chosen_.source.model.cityNames.end(),
-        [&](const CityName& other) {
+        [&](const builder::CityName& other) {
           return other.state == state && other.name.compare(0, text.size(), text) == 0;
         }));
   }
@@ -171,7 +171,7 @@ class Questions {
       return std::to_string(at <= 0 ? at : std::int64_t{moved(chosen_.names, at - 1)} + 1);
     };
     for (std::size_t i = 1; i < chosen_.names.size(); ++i) {
-      const CityName& name = chosen_.source.model.cityNames[i];
+      const builder::CityName& name = chosen_.source.model.cityNames[i];
       const std::string begin = name.name.substr(0, 2);
       if (chosen_.names[i] == 0) {
         askName(Op::kFindCity, name.state, name.name, fixed(kNull));
@@ -204,7 +204,7 @@ class Questions {
       return source.substr(0, at) + std::to_string(moved(chosen_.phonetics, index));
     };
     for (std::size_t i = 1; i < chosen_.phonetics.size(); ++i) {
-      const CityPhonetic& key = chosen_.source.model.cityPhonetics[i];
+      const builder::CityPhonetic& key = chosen_.source.model.cityPhonetics[i];
       if (chosen_.phonetics[i] != 0) {
         askName(Op::kFindPhonetic, key.state, key.key, found);
       } else {

@@ -190,7 +190,7 @@ Source randomSource(std::uint64_t seed) {
   addUnreachableZips(source.model, random);
   source.pair = pairOf(source.model);
   std::set<std::string> found;
-  for (const CityName& name : source.model.cityNames) found.insert(name.state);
+  for (const builder::CityName& name : source.model.cityNames) found.insert(name.state);
   for (const ZipBytes& zip : source.model.zipBytes) found.insert(zip.state);
   found.erase("");
   found.erase("ZZ");
