@@ -17,14 +17,6 @@ inline std::uint32_t boundOf(const NameLayout& layout, const RefControlRec& reco
   return le::get<4>(record.bytes.data() + layout.boundAt);
 }
 
-// Where a name can be in an index of `slotCount` slots.
-[[gnu::always_inline]] inline Probe probeOf(const unsigned char* name, std::int32_t length,
-                                            std::uint32_t type, std::uint32_t slotCount) {
-  const std::uint32_t mask = slotCount - 1;
-  const std::uint32_t hash = fnv_32_buf_backward(name, length, kFnvOffsetBasis + type);
-  return {hash & mask, type | ((hash & ~mask) >> 16)};
-}
-
 // The slot of a probe in the loaded index, or null.
 [[gnu::always_inline]] inline unsigned char* slotOf(const Probe& probe, const TableView& view) {
   unsigned char* slots = view.table(kSlotHashTable);

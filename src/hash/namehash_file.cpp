@@ -62,8 +62,10 @@ std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std:
                             ProcObj* proc) {
   const RefControlRec* record = proc == nullptr ? nullptr : proc->refControlRec;
   if (record == nullptr || length < 0 || (name == nullptr && length > 0)) return kNotFound;
-  const Probe probe = probeFor(name, length, type, *record);
-  if (probe.slot >= record->get(RefControlRec::hashTableCount)) return kNotFound;
+  const std::uint32_t slotCount = record->get(RefControlRec::hashTableCount);
+  keepMaskOf(slotCount);
+  const Probe probe = probeOf(name, length, type, slotCount);
+  if (probe.slot >= slotCount) return kNotFound;
 
   HashSlotRow slot{};
   if (!readReference(proc,

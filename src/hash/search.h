@@ -19,16 +19,21 @@ struct Probe {
   std::uint32_t check;
 };
 
-[[gnu::always_inline]] inline Probe probeFor(const unsigned char* name, std::int32_t length,
-                                             std::uint32_t type, const RefControlRec& record) {
-  const std::uint32_t slotCount = record.get(RefControlRec::hashTableCount);
+// In an index of `slotCount` slots.
+[[gnu::always_inline]] inline Probe probeOf(const unsigned char* name, std::int32_t length,
+                                            std::uint32_t type, std::uint32_t slotCount) {
   const std::uint32_t mask = slotCount - 1;
-  const unsigned char* kept = refPointers[kSlotHashMask].bytes;
-  // Made from the slot count of another record, or not at all.
-  if (le::get<4>(kept) != mask || le::get<4>(kept + 4) != ~mask) [[unlikely]]
-    keepHashMask(slotCount);
   const std::uint32_t hash = fnv_32_buf_backward(name, length, kFnvOffsetBasis + type);
   return {hash & mask, type | ((hash & ~mask) >> 16)};
+}
+
+// The mask that is kept with the process-wide tables becomes that of an index of `slotCount` slots,
+// when it was made from the count of another record, or not at all.
+[[gnu::always_inline]] inline void keepMaskOf(std::uint32_t slotCount) {
+  const std::uint32_t mask = slotCount - 1;
+  const unsigned char* kept = refPointers[kSlotHashMask].bytes;
+  if (le::get<4>(kept) != mask || le::get<4>(kept + 4) != ~mask) [[unlikely]]
+    keepHashMask(slotCount);
 }
 
 // How the name table of a type holds its names: the entry of a number starts at `unit` times it.

@@ -5,6 +5,7 @@
 
 #include "lookup/cities.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 
 namespace statecut {
@@ -32,7 +33,7 @@ FindName* truncatedName() { return orFirst(dbFindTruncCity, dbFindTruncCityFirst
 
 CityDataRow* dataInMemory(const RefControlRec* ref, std::uint32_t key) {
   if (ref == nullptr) return nullptr;
-  return rowAt<CityDataRow>(kSlotCityData, key, ref->get(RefControlRec::cityDataCount));
+  return memory::cityDataAt(processTables(ref), key);
 }
 
 CityDataRow* dataOnDisk(const RefControlRec* ref, std::uint32_t key, CityDataRow* record) {
@@ -74,8 +75,7 @@ CityDataRow* dbFindTruncCityDataOff(CityNameRow** name, const char* state, const
 
 CityDataRow* dbGetCityDataIn(std::int32_t key) {
   const Trace trace(kCitiesSource);
-  if (key < 1) return nullptr;
-  return trace.leave(dataInMemory(refRecord(), static_cast<std::uint32_t>(key)));
+  return trace.leave(memory::cityData(processTables(), key));
 }
 
 CityDataRow* dbGetCityDataOff(std::int32_t key) {
@@ -92,10 +92,7 @@ CityDataRow* dbGetCityDataOff(std::int32_t key) {
 
 const CityZipKeyRow* dbGetCityZipKeyPtrIn(std::uint32_t, std::uint32_t start) {
   const Trace trace(kCitiesSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr || start == 0) return nullptr;
-  return trace.leave(rowAt<CityZipKeyRow>(kSlotCityMultiZip, start,
-                                          ref->get(RefControlRec::cityMultiZipListsCount)));
+  return trace.leave(memory::cityZipKeys(processTables(), start));
 }
 
 const CityZipKeyRow* dbGetCityZipKeyPtrOff(std::uint32_t count, std::uint32_t start) {
@@ -118,10 +115,7 @@ const CityZipKeyRow* dbGetCityZipKeyPtrOff(std::uint32_t count, std::uint32_t st
 
 const KeyRow* dbGetCityFinKeyPtrIn(std::uint32_t, std::uint32_t start) {
   const Trace trace(kCitiesSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr || start == 0) return nullptr;
-  return trace.leave(rowAt<KeyRow>(kSlotCityMultiFinance, start,
-                                   ref->get(RefControlRec::cityMultiFinanceListsCount)));
+  return trace.leave(memory::cityFinKeys(processTables(), start));
 }
 
 const KeyRow* dbGetCityFinKeyPtrOff(std::uint32_t count, std::uint32_t start) {
@@ -141,12 +135,8 @@ const KeyRow* dbGetCityFinKeyPtrOff(std::uint32_t count, std::uint32_t start) {
 
 CityMultiZipRow* dbGetCityMultiZipRBADataIn(const CityDataRow* city) {
   const Trace trace(kCitiesSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr || city == nullptr) return nullptr;
-  const std::uint32_t index = city->get(CityDataRow::multiZipRbaKey);
-  if (index == 0) return nullptr;
-  return trace.leave(rowAt<CityMultiZipRow>(kSlotCityMultiZipRbas, index,
-                                            ref->get(RefControlRec::cityMultiZipRbasCount)));
+  if (city == nullptr) return nullptr;
+  return trace.leave(memory::cityMultiZip(processTables(), *city));
 }
 
 CityMultiZipRow* dbGetCityMultiZipRBADataOff(const CityDataRow* city) {

@@ -1,11 +1,9 @@
 // City names by key and by exact name.
 
-#include <array>
-#include <cstring>
-
 #include "hash/namehash.h"
 #include "lookup/cities.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 
 namespace statecut {
@@ -13,9 +11,6 @@ namespace statecut {
 namespace {
 
 constexpr LogSource kCitiesSource{"cities", 3000};
-
-constexpr std::int32_t kMaxName = CityNameRow::name.width;
-constexpr std::int32_t kMaxHashKey = 30;
 
 // The control record when `key` is a city name key, else null. The count compares as a signed
 // number, so a damaged one of 2^31 or more has no keys.
@@ -26,30 +21,12 @@ const RefControlRec* refForKey(std::int32_t key) {
   return valid ? ref : nullptr;
 }
 
-CityNameRow* nameInMemory(std::int32_t index) {
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr) return nullptr;
-  return rowAt<CityNameRow>(kSlotCityNames, static_cast<std::uint32_t>(index),
-                            ref->get(RefControlRec::cityNamesCount));
-}
-
 CityNameRow* nameOnDisk(std::int32_t index, CityNameRow* record) {
   const RefControlRec* ref = refRecord();
   const bool read = ref != nullptr && readRow(ref->get(RefControlRec::cityNamesRba),
                                               static_cast<std::uint32_t>(index), record);
   return read ? record : nullptr;
 }
-
-// The hash key of a city: its state, then its name.
-struct CityKey {
-  std::array<char, kMaxHashKey> text{};
-  std::int32_t length = 0;
-
-  CityKey(const char* state, const char* name, std::int32_t nameLength) : length(nameLength + 2) {
-    std::memcpy(text.data(), state, 2);
-    if (nameLength > 0) std::memcpy(text.data() + 2, name, static_cast<std::size_t>(nameLength));
-  }
-};
 
 std::int32_t cityIndex(const char* state, const char* name, std::int32_t length) {
   return orFirst(&ProcObj::pfnFindCityIndex, dbFindCityIndexFirst)(state, name, length);
@@ -59,8 +36,7 @@ std::int32_t cityIndex(const char* state, const char* name, std::int32_t length)
 
 CityNameRow* dbGetCityUSPS(std::int32_t key) {
   const Trace trace(kCitiesSource);
-  if (refForKey(key) == nullptr) return nullptr;
-  CityNameRow* record = nameInMemory(key);
+  CityNameRow* record = memory::cityName(processTables(), key);
   // Writes its Entering line a second time and no Leaving line. Meant.
   if (record != nullptr) trace.again();
   return record;
@@ -91,32 +67,30 @@ CityNameRow* dbGetCityName(const std::uint32_t* key) {
 
 std::int32_t dbFindCityNameIdx(const char* key, std::int32_t length, ProcObj* proc) {
   const Trace trace(kCitiesSource);
-  return length > kMaxHashKey ? -1 : hashIn(key, length, kCityNames, proc);
+  return length > memory::kLongestCityKey ? -1 : hashIn(key, length, kCityNames, proc);
 }
 
 std::int32_t dbFindCityNameIdxOff(const char* key, std::int32_t length, ProcObj* proc) {
   const Trace trace(kCitiesSource);
-  return length > kMaxHashKey ? -1 : hashOff(key, length, kCityNames, proc);
+  return length > memory::kLongestCityKey ? -1 : hashOff(key, length, kCityNames, proc);
 }
 
 std::int32_t dbFindCityHashIn(const char* state, const char* name, std::int32_t length) {
   const Trace trace(kCitiesSource);
-  if (length < 0 || length > kMaxName) return -1;
-  const CityKey key(state, name, length);
-  return trace.leave(dbFindCityNameIdx(key.text.data(), key.length, pProcObj));
+  const memory::StateKey key(state, name, length);
+  return trace.leave(dbFindCityNameIdx(key.chars(), key.length, pProcObj));
 }
 
 std::int32_t dbFindCityHashOff(const char* state, const char* name, std::int32_t length) {
   const Trace trace(kCitiesSource);
-  if (length < 0 || length > kMaxName) return -1;
-  const CityKey key(state, name, length);
-  return trace.leave(dbFindCityNameIdxOff(key.text.data(), key.length, pProcObj));
+  const memory::StateKey key(state, name, length);
+  return trace.leave(dbFindCityNameIdxOff(key.chars(), key.length, pProcObj));
 }
 
 CityNameRow* dbFindCityIn(const char* state, const char* name, std::int32_t length) {
   const Trace trace(kCitiesSource);
   const std::int32_t index = cityIndex(state, name, length);
-  return index == -1 ? nullptr : trace.leave(nameInMemory(index));
+  return index == -1 ? nullptr : trace.leave(memory::cityNameAt(processTables(), index));
 }
 
 CityNameRow* dbFindCityOff(const char* state, const char* name, std::int32_t length) {
@@ -132,7 +106,7 @@ CityNameRow* dbFindCityFirst(const char* state, const char* name, std::int32_t l
   dbFindCity = dbFindCityIn;
   const std::int32_t index = cityIndex(state, name, length);
   if (index == -1) return nullptr;
-  if (loaded(kSlotCityNames)) return trace.leave(nameInMemory(index));
+  if (loaded(kSlotCityNames)) return trace.leave(memory::cityNameAt(processTables(), index));
   // The one first call that does not try to load the table. Meant.
   dbFindCity = dbFindCityOff;
   return trace.leave(nameOnDisk(index, &cityName));

@@ -7,6 +7,7 @@
 #include "dbfiles/apiutil.h"
 #include "lookup/cities.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 
 namespace statecut {
@@ -18,12 +19,15 @@ constexpr LogSource kCitiesSource{"cities", 4000};
 constexpr std::size_t kMaxName = CityNameRow::name.width;
 constexpr std::uint64_t kRbaSpace = std::uint64_t{1} << 32;
 
-bool matches(const CityNameRow& record, const char* state, const char* text, NameMatcher matcher) {
-  if (std::memcmp(record.get(CityNameRow::state).data(), state, 2) != 0) return false;
+bool nameMatches(const CityNameRow& record, const char* text, NameMatcher matcher) {
   std::array<char, kMaxName + 1> name{};
-  const auto length = std::min<std::size_t>(record.get(CityNameRow::nameLength), kMaxName);
-  std::memcpy(name.data(), record.get(CityNameRow::name).data(), length);
+  std::memcpy(name.data(), record.get(CityNameRow::name).data(), memory::nameLength(record));
   return matcher(name.data(), text) == 0;
+}
+
+bool matches(const CityNameRow& record, const char* state, const char* text, NameMatcher matcher) {
+  return std::memcmp(record.get(CityNameRow::state).data(), state, 2) == 0 &&
+         nameMatches(record, text, matcher);
 }
 
 // The key of the record at a position, and the position behind it.
@@ -36,13 +40,10 @@ std::int32_t behind(std::uint64_t position) { return static_cast<std::int32_t>(p
 std::int32_t seqSearchCityIn(const char* state, const char* text, NameMatcher matcher,
                              std::int32_t start) {
   const Trace trace(kCitiesSource);
-  const RefControlRec* ref = refRecord();
-  if (start < 0 || matcher == nullptr || ref == nullptr || !loaded(kSlotCityNames)) return -1;
-  const std::uint64_t count = ref->get(RefControlRec::cityNamesCount);
-  for (auto position = static_cast<std::uint64_t>(start); position < count; ++position)
-    if (matches(*rowAt<CityNameRow>(kSlotCityNames, position, count), state, text, matcher))
-      return trace.leave(behind(position));
-  return -1;
+  if (matcher == nullptr) return -1;
+  return trace.leave(memory::searchCities(
+      processTables(), state, start,
+      [&](const CityNameRow& record) { return nameMatches(record, text, matcher); }));
 }
 
 std::int32_t seqSearchCityOff(const char* state, const char* text, NameMatcher matcher,

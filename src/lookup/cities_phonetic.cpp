@@ -1,44 +1,35 @@
 // Cities by the phonetic code of their name. None of these functions writes trace lines.
 
-#include <algorithm>
-#include <array>
-#include <cstring>
-
 #include "hash/namehash.h"
 #include "lookup/cities.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 
 namespace statecut {
 
 namespace {
 
-constexpr std::int32_t kMaxCode = 28;
-constexpr std::int32_t kMaxKey = 21;
-constexpr std::int32_t kMaxCount = 9;
+constexpr std::int32_t kMaxCode = memory::StateKey::kMost;
+constexpr std::int32_t kMaxKey = memory::kLongestPhoneticKey;
 
 // Stores the index of state and code, -1 when there is none.
 std::int32_t phoneticIndex(const char* state, const char* code, std::int32_t length,
                            std::int32_t* index) {
   *index = -1;
-  if (length < 0 || length > kMaxCode) return -1;
-  std::array<char, kMaxCode + 2> key{};
-  std::memcpy(key.data(), state, 2);
-  if (length > 0) std::memcpy(key.data() + 2, code, static_cast<std::size_t>(length));
+  const memory::StateKey key(state, code, length);
+  if (key.length == -1) return -1;
   *index =
-      orFirst(&ProcObj::pfnFindCityPhIdx, findCityPhIdxFirst)(key.data(), length + 2, pProcObj);
+      orFirst(&ProcObj::pfnFindCityPhIdx, findCityPhIdxFirst)(key.chars(), key.length, pProcObj);
   return *index;
 }
 
 void storeCount(const CityPhoneticRow& record, std::int32_t* count) {
-  *count = std::min<std::int32_t>(record.get(CityPhoneticRow::count), kMaxCount);
+  *count = memory::phoneticCount(record);
 }
 
 CityPhoneticRow* phoneticInMemory(std::int32_t index) {
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr) return nullptr;
-  return rowAt<CityPhoneticRow>(kSlotCityPhonetics, static_cast<std::uint32_t>(index),
-                                ref->get(RefControlRec::cityPhoneticsCount));
+  return memory::cityPhoneticAt(processTables(), index);
 }
 
 bool phoneticsFail(ProcObj* proc) {

@@ -5,13 +5,14 @@
 #include "hash/namehash.h"
 #include "lookup/cache.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 
 namespace statecut {
 
 namespace {
 
-constexpr std::int32_t kMaxKey = 40;
+constexpr std::int32_t kMaxKey = memory::kLongestFirm;
 
 bool firmNamesFail(ProcObj* proc) { return loadFails(kSlotFirms, dbReadFirmNames, proc); }
 
@@ -49,7 +50,8 @@ std::int32_t dbFindFirmFirst(const char* key, std::int32_t length, ProcObj* proc
 const char* dbGetFirmName(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
   const RefControlRec* ref = proc == nullptr ? nullptr : proc->refControlRec;
   if (ref == nullptr) return nullptr;
-  return packedNameIn(kSlotFirms, offset, ref->get(RefControlRec::firmsBytes), length);
+  return packedNameIn(processTables(ref), kSlotFirms, offset, ref->get(RefControlRec::firmsBytes),
+                      length);
 }
 
 const char* dbGetFirmNameCacheOff(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
@@ -66,11 +68,7 @@ const char* dbGetFirmNameFirst(std::uint32_t offset, std::int32_t* length, ProcO
 }
 
 GeneralDeliveryRow* dbGetGenrlDelvryIn(std::uint32_t key) {
-  const RefControlRec* ref = refRecord();
-  const std::uint32_t index = generalDeliveryIndex(ref, key);
-  if (index == 0) return nullptr;
-  return rowAt<GeneralDeliveryRow>(kSlotGeneralDelivery, index,
-                                   ref->get(RefControlRec::generalDeliveryCount));
+  return memory::generalDelivery(processTables(), key & 0xFFFF);
 }
 
 GeneralDeliveryRow* dbGetGenrlDelvryOff(std::uint32_t key) {

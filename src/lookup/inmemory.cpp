@@ -48,13 +48,14 @@ std::int32_t truncatedIndex(const TableView& view, const char* state, const char
   const auto* table = reinterpret_cast<const CityNameRow*>(view.table(kSlotCityNames));
   if (view.record == nullptr || table == nullptr) return -1;
   return searchTruncated(state, name, length, view.word(RefControlRec::cityNamesCount),
-                         [table](std::uint32_t at) -> const CityNameRow& { return table[at]; });
+                         [table](std::uint32_t at) { return table + at; });
 }
 
 CityNameRow* onlyMatch(const TableView& view, const char* state, const char* name,
                        std::int32_t length, std::int32_t index) {
-  return onlyMatch(state, name, length, index, view.word(RefControlRec::cityNamesCount),
-                   [&view](std::int32_t at) { return cityNameAt(view, at); });
+  return onlyMatch(
+      state, name, length, index, view.word(RefControlRec::cityNamesCount),
+      [&view](std::uint32_t at) { return cityNameAt(view, static_cast<std::int32_t>(at)); });
 }
 
 StreetWalk::StreetWalk(std::span<const unsigned char> list, bool filtered, const std::uint16_t* scf)

@@ -98,6 +98,7 @@ struct StateKey {
     if (nameLength > 0) std::memcpy(text.data() + 2, name, static_cast<std::size_t>(nameLength));
     length = nameLength + 2;
   }
+  [[nodiscard]] const char* chars() const { return reinterpret_cast<const char*>(text.data()); }
 };
 
 // The longest keys that are looked up.
@@ -119,7 +120,7 @@ inline constexpr std::int32_t kLongestFirm = 40;
                            std::int32_t length);
 
 // Binary search for a record that begins with the name, or -1. Probes positions 0 to count - 1, one
-// below the keys of the other lookups. Meant.
+// below the keys of the other lookups. Meant. A null record ends the search.
 template <typename RecordAt>
 [[nodiscard]] std::int32_t searchTruncated(const char* state, const char* name, std::int32_t length,
                                            std::uint32_t count, RecordAt recordAt) {
@@ -128,8 +129,9 @@ template <typename RecordAt>
   std::int64_t high = std::int64_t{count} - 1;
   while (low <= high) {
     const std::int64_t middle = (low + high) / 2;
-    const int order =
-        compareTruncated(state, name, length, recordAt(static_cast<std::uint32_t>(middle)));
+    const CityNameRow* record = recordAt(static_cast<std::uint32_t>(middle));
+    if (record == nullptr) return -1;
+    const int order = compareTruncated(state, name, length, *record);
     if (order == 0) return static_cast<std::int32_t>(middle);
     if (order < 0)
       high = middle - 1;
@@ -144,11 +146,11 @@ template <typename RecordAt>
 [[nodiscard]] CityNameRow* onlyMatch(const char* state, const char* name, std::int32_t length,
                                      std::int32_t index, std::uint32_t count, RecordAt recordAt) {
   // Looks back from index 2 upward only: the record at position 0 is never a rival. Meant.
-  if (index > 1 && isRival(recordAt(index - 1), state, name, length)) return nullptr;
-  if (std::int64_t{index} < std::int64_t{count} &&
-      isRival(recordAt(static_cast<std::int32_t>(std::int64_t{index} + 1)), state, name, length))
+  const auto at = static_cast<std::uint32_t>(index);
+  if (index > 1 && isRival(recordAt(at - 1), state, name, length)) return nullptr;
+  if (std::int64_t{index} < std::int64_t{count} && isRival(recordAt(at + 1), state, name, length))
     return nullptr;
-  return recordAt(index);
+  return recordAt(at);
 }
 
 // The index of a record whose name begins with the given one.
@@ -220,7 +222,7 @@ inline constexpr std::int32_t kMostPhoneticCount = 9;
                                       RefControlRec::generalDeliveryCount);
 }
 
-// The flag of a variation: negative where it stands for an ambiguous list.
+// Negative for a variation that stands for several streets.
 [[nodiscard]] inline std::int8_t flagOf(const VariationRow& entry) {
   return static_cast<std::int8_t>(entry.get(VariationRow::flag));
 }

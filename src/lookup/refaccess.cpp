@@ -4,6 +4,7 @@
 #include "hash/namehash.h"
 #include "lookup/cache.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 
 namespace statecut {
 
@@ -67,10 +68,10 @@ const char* packedName(const unsigned char* at, std::int32_t* length) {
   return reinterpret_cast<const char*>(at + 1);
 }
 
-const char* packedNameIn(SlotNumber slot, std::uint32_t offset, std::uint32_t bytes,
-                         std::int32_t* length) {
-  if (!loaded(slot) || offset >= bytes) return nullptr;
-  return packedName(refPointers[slot].table + offset, length);
+const char* packedNameIn(const TableView& view, SlotNumber slot, std::uint32_t offset,
+                         std::uint32_t bytes, std::int32_t* length) {
+  const unsigned char* at = memory::packedName(view, slot, offset, bytes);
+  return at == nullptr ? nullptr : packedName(at, length);
 }
 
 const char* packedNameOff(std::uint32_t tableRba, std::uint32_t offset, std::int32_t* length,

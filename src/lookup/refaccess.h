@@ -10,6 +10,7 @@
 #include "tables/dbapi.h"
 #include "tables/directory.h"
 #include "tables/refpointers.h"
+#include "tables/tableview.h"
 
 namespace statecut {
 
@@ -109,8 +110,8 @@ std::int32_t hashOff(const char* key, std::int32_t length, std::uint32_t type, P
 const char* packedName(const unsigned char* at, std::int32_t* length);
 
 // A name of a loaded table of `bytes` bytes; null, *length untouched, at or behind its end.
-const char* packedNameIn(SlotNumber slot, std::uint32_t offset, std::uint32_t bytes,
-                         std::int32_t* length);
+const char* packedNameIn(const TableView& view, SlotNumber slot, std::uint32_t offset,
+                         std::uint32_t bytes, std::int32_t* length);
 
 // A name on disk, of which the first 99 bytes are there until the next short read; null, *length
 // untouched, when it cannot be read.

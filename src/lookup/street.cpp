@@ -7,13 +7,14 @@
 #include "hash/namehash.h"
 #include "lookup/cache.h"
 #include "lookup/dispatch.h"
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 
 namespace statecut {
 
 namespace {
 
-constexpr std::int32_t kMaxKey = 28;
+constexpr std::int32_t kMaxKey = memory::kLongestStreet;
 
 bool streetNamesFail(ProcObj* proc) { return loadFails(kSlotStreetNames, dbReadStreetNames, proc); }
 
@@ -45,7 +46,8 @@ std::int32_t dbFindStreetFirst(const char* key, std::int32_t length, ProcObj* pr
 const char* dbGetStreetNameUSPS(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {
   const RefControlRec* ref = proc == nullptr ? nullptr : proc->refControlRec;
   if (ref == nullptr) return nullptr;
-  return packedNameIn(kSlotStreetNames, offset, ref->get(RefControlRec::streetNamesBytes), length);
+  return packedNameIn(processTables(ref), kSlotStreetNames, offset,
+                      ref->get(RefControlRec::streetNamesBytes), length);
 }
 
 const char* dbGetStreetNameUSPSCacheOff(std::uint32_t offset, std::int32_t* length, ProcObj* proc) {

@@ -2,6 +2,7 @@
 
 #include "lookup/streetlist.h"
 
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
 #include "lookup/street.h"
 #include "tables/rows.h"
@@ -27,28 +28,6 @@ std::uint32_t scfKeysOf(std::uint8_t scfCount) {
 bool unfiltered(std::int32_t filter, std::uint8_t scfCount) { return filter == 0 || scfCount == 0; }
 
 bool full(std::int32_t count) { return count < 0 || count >= kKeyListMax; }
-
-// A list in memory: the bytes not yet read. A read that would pass their end is refused.
-class ListBytes {
- public:
-  explicit ListBytes(std::span<const unsigned char> bytes) : rest_(bytes) {}
-
-  template <std::size_t Width>
-  bool read(std::uint32_t* value) {
-    if (rest_.size() < Width) return false;
-    *value = le::get<Width>(rest_.data());
-    rest_ = rest_.subspan(Width);
-    return true;
-  }
-  bool skip(std::size_t count) {
-    if (rest_.size() < count) return false;
-    rest_ = rest_.subspan(count);
-    return true;
-  }
-
- private:
-  std::span<const unsigned char> rest_;
-};
 
 // A list on disk at a running RBA. A short read leaves the value of the same width read before.
 class ListFile {
@@ -96,20 +75,6 @@ bool servedOnDisk(ListFile& file, std::uint32_t keys, const std::uint16_t* scfKe
   return false;
 }
 
-// The same in memory. False in *whole when the list ends inside the entry.
-bool servedInMemory(ListBytes& bytes, std::uint32_t keys, const std::uint16_t* scfKey,
-                    bool* whole) {
-  for (std::uint32_t i = 0; i < keys; ++i) {
-    std::uint32_t scf = 0;
-    *whole = bytes.read<kScfBytes>(&scf);
-    if (!*whole) return false;
-    if (scfKey == nullptr || scf != *scfKey) continue;
-    *whole = bytes.skip((keys - i - 1) * kScfBytes);
-    return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 void addStreetKey(std::uint32_t key, std::int32_t* count) {
@@ -121,21 +86,8 @@ void addStreetKey(std::uint32_t key, std::int32_t* count) {
 const std::uint32_t* ambgsStreetMatch(std::span<const unsigned char> list,
                                       const std::uint16_t* scfKey, std::int32_t filter,
                                       std::int32_t* count) {
-  ListBytes bytes(list);
-  std::uint32_t entries = 0;
-  bool whole = bytes.read<kCountBytes>(&entries);
-  for (std::uint32_t i = 0; whole && i < entries; ++i) {
-    std::uint32_t key = 0;
-    std::uint32_t scfCount = 0;
-    if (!bytes.read<kKeyBytes>(&key) || !bytes.read<1>(&scfCount)) break;
-    const auto counted = static_cast<std::uint8_t>(scfCount);
-    if (unfiltered(filter, counted)) {
-      addStreetKey(key, count);
-      whole = bytes.skip(scfKeysOf(counted) * kScfBytes);
-    } else if (servedInMemory(bytes, scfKeysOf(counted), scfKey, &whole)) {
-      addStreetKey(key, count);
-    }
-  }
+  memory::StreetWalk walk(list, filter != 0, scfKey);
+  for (std::uint32_t key = 0; walk.next(&key);) addStreetKey(key, count);
   return keyList.data();
 }
 

@@ -16,7 +16,7 @@ StreetVariation streetStdVariation{};
 
 namespace {
 
-constexpr std::int32_t kMaxKey = 28;
+constexpr std::int32_t kMaxKey = memory::kLongestStreet;
 constexpr std::int32_t kMaxScfKeys = 5;
 constexpr std::int32_t kAddLimit = 500;  // of the in-memory lookup, before it adds
 
@@ -58,13 +58,12 @@ const std::uint32_t* findStreetVartnIn(const StreetVariation* set, const char* k
                                        std::int32_t filter, std::int8_t* flag, std::int32_t* count,
                                        std::uint32_t type) {
   const std::int32_t found = variationIndex(type, key, length);
-  const auto position = static_cast<std::uint32_t>(found);
-  const bool there = found != -1 && set != nullptr && set->index != nullptr &&
-                     std::uint64_t{position} + VariationRow::size <= set->indexBytes;
-  if (there && *count < kAddLimit) {
-    const auto& entry = *reinterpret_cast<const VariationRow*>(set->index + position);
-    const std::uint32_t value = entry.get(VariationRow::value);
-    *flag = memory::flagOf(entry);
+  const VariationRow* entry = nullptr;
+  if (set != nullptr && set->index != nullptr)
+    entry = memory::variationAt({set->index, set->indexBytes}, found);
+  if (entry != nullptr && *count < kAddLimit) {
+    const std::uint32_t value = entry->get(VariationRow::value);
+    *flag = memory::flagOf(*entry);
     if (*flag >= 0)
       addStreetKey(value, count);
     else if (set->list != nullptr && value < set->listBytes)

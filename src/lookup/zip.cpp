@@ -3,16 +3,12 @@
 #include <algorithm>
 #include <array>
 
+#include "lookup/inmemory.h"
 #include "lookup/refaccess.h"
-#include "tables/refpointers.h"
 
 namespace statecut {
 
 namespace {
-
-constexpr std::int32_t kLastZip = 99999;
-
-bool validZip(std::int32_t zip) { return zip >= 1 && zip <= kLastZip; }
 
 // A key or index is valid from 1 to the count, both included.
 bool validKey(std::int32_t key, std::uint32_t count) {
@@ -21,10 +17,6 @@ bool validKey(std::int32_t key, std::uint32_t count) {
 
 const KeyRow* ownCityKey(const ZipDataRow* zip) {
   return reinterpret_cast<const KeyRow*>(zip->bytes.data() + ZipDataRow::cityKey.at);
-}
-
-std::int32_t indexEntry(const unsigned char* index, std::int32_t zip) {
-  return le::get<2>(index + static_cast<std::size_t>(zip) * KeyRow::size);
 }
 
 std::uint32_t zipIndexRba(const RefControlRec& ref, std::int32_t zip) {
@@ -49,15 +41,13 @@ FinMultiZipRow* readFinMultiZip(std::int32_t index, FinMultiZipRow* entry) {
 
 std::int32_t dbGetZipIndexIn(std::int32_t zip) {
   const Trace trace(kZipSource);
-  const unsigned char* index = refPointers[kSlotZipIndex].table;
-  if (index == nullptr || !validZip(zip)) return -1;
-  return trace.leave(indexEntry(index, zip));
+  return trace.leave(memory::zipIndex(processTables(), zip));
 }
 
 std::int32_t dbGetZipIndexOff(std::int32_t zip) {
   const Trace trace(kZipSource);
   const RefControlRec* ref = refRecord();
-  if (ref == nullptr || !validZip(zip)) return -1;
+  if (ref == nullptr || !memory::validZip(zip)) return -1;
   KeyRow entry{};
   if (!readDirect(zipIndexRba(*ref, zip), KeyRow::size, &entry)) return -1;
   return trace.leave(entry.get(KeyRow::key));
@@ -65,20 +55,14 @@ std::int32_t dbGetZipIndexOff(std::int32_t zip) {
 
 ZipDataRow* dbGetZipDataIn(std::int32_t zip, std::uint32_t* key) {
   const Trace trace(kZipSource);
-  const RefControlRec* ref = refRecord();
-  const unsigned char* index = refPointers[kSlotZipIndex].table;
-  if (ref == nullptr || index == nullptr || !validZip(zip)) return nullptr;
-  const auto found = static_cast<std::uint32_t>(indexEntry(index, zip));
-  *key = found;
-  if (found == 0) return nullptr;
-  return trace.leave(rowAt<ZipDataRow>(kSlotZipData, found, ref->get(RefControlRec::zipDataCount)));
+  return trace.leave(memory::zipData(processTables(), zip, key));
 }
 
 ZipDataRow* dbGetZipDataOff(std::int32_t zip, std::uint32_t* key) {
   const Trace trace(kZipSource);
   static ZipDataRow record{};
   const RefControlRec* ref = refRecord();
-  if (ref == nullptr || !validZip(zip)) return nullptr;
+  if (ref == nullptr || !memory::validZip(zip)) return nullptr;
   KeyRow entry{};
   if (!readCached(zipIndexRba(*ref, zip), KeyRow::size, &entry)) return nullptr;
   const std::uint32_t found = entry.get(KeyRow::key);
@@ -89,10 +73,7 @@ ZipDataRow* dbGetZipDataOff(std::int32_t zip, std::uint32_t* key) {
 
 ZipDataRow* dbGetZipDataFromKeyIn(std::int32_t key) {
   const Trace trace(kZipSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr || key < 1) return nullptr;
-  return trace.leave(rowAt<ZipDataRow>(kSlotZipData, static_cast<std::uint32_t>(key),
-                                       ref->get(RefControlRec::zipDataCount)));
+  return trace.leave(memory::zipDataFromKey(processTables(), key));
 }
 
 ZipDataRow* dbGetZipDataFromKeyOff(std::int32_t key) {
@@ -106,12 +87,7 @@ ZipDataRow* dbGetZipDataFromKeyOff(std::int32_t key) {
 const KeyRow* dbGetCityKeysPtrIn(const ZipDataRow* zip) {
   const Trace trace(kZipSource);
   if (zip == nullptr) return nullptr;
-  if (zip->get(ZipDataRow::cityKeysCount) == 1) return trace.leave(ownCityKey(zip));
-  const RefControlRec* ref = refRecord();
-  const std::uint32_t index = zip->get(ZipDataRow::cityKeysIndex);
-  if (ref == nullptr || index == 0) return nullptr;
-  return trace.leave(
-      rowAt<KeyRow>(kSlotZipMultiCity, index, ref->get(RefControlRec::zipMultiCityListsCount)));
+  return trace.leave(memory::cityKeys(processTables(), *zip));
 }
 
 const KeyRow* dbGetCityKeysPtrOff(const ZipDataRow* zip) {
@@ -133,10 +109,7 @@ const KeyRow* dbGetCityKeysPtrOff(const ZipDataRow* zip) {
 
 FinMultiZipRow* dbGetMultiZipFinRBAIn(std::int32_t index) {
   const Trace trace(kZipSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr || index < 1) return nullptr;
-  return trace.leave(rowAt<FinMultiZipRow>(kSlotFinMultiZip, static_cast<std::uint32_t>(index),
-                                           ref->get(RefControlRec::finMultiZipRbasCount)));
+  return trace.leave(memory::finMultiZip(processTables(), index));
 }
 
 FinMultiZipRow* dbGetMultiZipFinRBAOff(std::int32_t index) {
@@ -147,12 +120,8 @@ FinMultiZipRow* dbGetMultiZipFinRBAOff(std::int32_t index) {
 
 FinMultiZipRow* dbGetZipFinMltZpRBAIn(const ZipDataRow* zip) {
   const Trace trace(kZipSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr || zip == nullptr) return nullptr;
-  const std::uint32_t index = zip->get(ZipDataRow::finMultiZipKey);
-  if (index == 0) return nullptr;
-  return trace.leave(rowAt<FinMultiZipRow>(kSlotFinMultiZip, index,
-                                           ref->get(RefControlRec::finMultiZipRbasCount)));
+  if (zip == nullptr) return nullptr;
+  return trace.leave(memory::finMultiZip(processTables(), zip->get(ZipDataRow::finMultiZipKey)));
 }
 
 FinMultiZipRow* dbGetZipFinMltZpRBAOff(const ZipDataRow* zip) {
@@ -164,10 +133,7 @@ FinMultiZipRow* dbGetZipFinMltZpRBAOff(const ZipDataRow* zip) {
 
 const KeyRow* dbGetMultiZipsIn(std::uint32_t, std::uint32_t start) {
   const Trace trace(kZipSource);
-  const RefControlRec* ref = refRecord();
-  if (ref == nullptr) return nullptr;
-  return trace.leave(
-      rowAt<KeyRow>(kSlotMultiZip, start & 0xFFFF, ref->get(RefControlRec::multiZipListsCount)));
+  return trace.leave(memory::multiZips(processTables(), start & 0xFFFF));
 }
 
 const KeyRow* dbGetMultiZipsOff(std::uint32_t count, std::uint32_t start) {

@@ -36,7 +36,7 @@ class Checks {
       const std::uint32_t key = index[code].get(KeyRow::key);
       if (key == 0) continue;
       if (key >= zips.size() || zips[key].get(ZipDataRow::zip) != code)
-        return damaged("Zip Code Index", &index[code],
+        return damaged("ZIP index", &index[code],
                        "leads to no record of the ZIP code " + std::to_string(code));
     }
     return true;
@@ -48,7 +48,7 @@ class Checks {
       const std::uint32_t count = zip.get(ZipDataRow::cityKeysCount);
       const std::uint64_t first = zip.get(ZipDataRow::cityKeysIndex);
       if (count > 1 && first + count > end)
-        return damaged("Zip Code Data", &zip, "has a list of cities that ends behind its table");
+        return damaged("ZIP data", &zip, "has a list of cities that ends behind its table");
     }
     return true;
   }
@@ -63,7 +63,7 @@ class Checks {
 
   bool cityShares() {
     using M = CityMultiZipRow;
-    constexpr char kName[] = "City Multi Zip RBAs";
+    constexpr char kName[] = "City multi-ZIP RBAs";
     const auto records = rows<M>(kSlotCityMultiZipRbas, view_.word(Ref::cityMultiZipRbasCount));
     for (std::size_t i = 1; i < records.size(); ++i) {
       const M& record = records[i];
@@ -82,7 +82,7 @@ class Checks {
     using F = FinMultiZipRow;
     const auto records = rows<F>(kSlotFinMultiZip, view_.word(Ref::finMultiZipRbasCount));
     for (std::size_t i = 1; i < records.size(); ++i)
-      if (!share("Finance Multi Zip RBAs", &records[i], records[i].get(F::zipCount),
+      if (!share("Finance multi-ZIP RBAs", &records[i], records[i].get(F::zipCount),
                  records[i].get(F::key), records[i].get(F::rba)))
         return false;
     return true;

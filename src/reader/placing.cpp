@@ -10,50 +10,30 @@ namespace {
 
 using Ref = RefControlRec;
 
-// A table of a lookup.
-struct Place {
-  TableId table;
-  const char* name;
-};
-
-constexpr Place kPlaces[] = {
-    {TableId::kCityData, "City Data"},
-    {TableId::kCityMultiZipLists, "City Multi Zip Lists"},
-    {TableId::kCityMultiFinanceLists, "City Multi Finance Lists"},
-    {TableId::kCityMultiZipRbas, "City Multi Zip RBAs"},
-    {TableId::kFinMultiZipRbas, "Finance Multi Zip RBAs"},
-    {TableId::kCityNames, "City Names"},
-    {TableId::kCityPhonetics, "City Phonetics"},
-    {TableId::kZipData, "Zip Code Data"},
-    {TableId::kZipMultiCityLists, "Zip Multi City Lists"},
-    {TableId::kZipIndex, "Zip Code Index"},
-    {TableId::kCounties, "Counties"},
-    {TableId::kUrbs, "Urbanizations"},
-    {TableId::kStreetNames, "Street Names"},
-    {TableId::kStreetPhoneticAmb, "Street Phonetic Lists"},
-    {TableId::kStreetPhonetics, "Street Phonetics"},
-    {TableId::kStreetStandardAmb, "Street Standard Lists"},
-    {TableId::kStreetStandards, "Street Standards"},
-    {TableId::kFirms, "Firm Names"},
-    {TableId::kGeneralDelivery, "General Delivery"},
-    {TableId::kMultiZipLists, "Multi Zip Lists"},
-    {TableId::kZipBytes, "Zip Bytes"},
-    {TableId::kHashTable, "Hash Table"},
-    {TableId::kHashOverflow, "Hash Overflow"},
-};
+// What lookups use.
+constexpr TableId kTables[] = {
+    TableId::kCityData,          TableId::kCityMultiZipLists, TableId::kCityMultiFinanceLists,
+    TableId::kCityMultiZipRbas,  TableId::kFinMultiZipRbas,   TableId::kCityNames,
+    TableId::kCityPhonetics,     TableId::kZipData,           TableId::kZipMultiCityLists,
+    TableId::kZipIndex,          TableId::kCounties,          TableId::kUrbs,
+    TableId::kStreetNames,       TableId::kStreetPhoneticAmb, TableId::kStreetPhonetics,
+    TableId::kStreetStandardAmb, TableId::kStreetStandards,   TableId::kFirms,
+    TableId::kGeneralDelivery,   TableId::kMultiZipLists,     TableId::kZipBytes,
+    TableId::kHashTable,         TableId::kHashOverflow};
 
 // The search of the hash reads a few entries at once, also at the end of its tables.
 constexpr std::uint64_t kReadBehind = 32;
 
-bool isThere(const TableLine& line, const Ref& record) {
-  if (line.fate != Fate::kDropped) return true;
-  return (record.get(Ref::typeFlags) & kTypeStateCut) == 0 && wordAt(record, line.rbaAt) != 0;
+// A cut has no tables that it does not carry, nor has a file that says RBA 0 of one.
+bool isThere(const TableLine& table, const Ref& record) {
+  if (table.cutWidth != 0) return true;
+  return (record.get(Ref::typeFlags) & kTypeStateCut) == 0 && wordAt(record, table.rbaAt) != 0;
 }
 
-// Of lists of 16-bit keys what a cut carries: what an uncut file has behind is not theirs.
-std::uint64_t bytesOf(const TableLine& line, const Ref& record) {
-  const std::uint32_t width = line.fate == Fate::kDropped ? line.width : line.cutWidth;
-  return static_cast<std::uint64_t>(tableRecords(record, line.id)) * width;
+// In the width that a cut has: behind its keys a source has as much again that is not a list's.
+std::uint64_t bytesOf(const TableLine& table, const Ref& record) {
+  const std::int64_t count = tableRecords(record, table.id);
+  return static_cast<std::uint64_t>(count) * (table.cutWidth == 0 ? table.width : table.cutWidth);
 }
 
 // A copy with zeros behind it, for a table that is read beyond its end where the bytes end.
@@ -66,11 +46,10 @@ bool copyWithSlack(Database::Loaded& loaded, Block& copy, SlotNumber slot, std::
   return true;
 }
 
-bool placeOne(Database::Loaded& loaded, const Place& place, Error& error) {
+bool placeOne(Database::Loaded& loaded, const TableLine& place, Error& error) {
   const Ref& record = *loaded.view.record;
-  const TableLine& line = tableLine(place.table);
-  const std::uint64_t rba = wordAt(record, line.rbaAt);
-  const std::uint64_t bytes = bytesOf(line, record);
+  const std::uint64_t rba = wordAt(record, place.rbaAt);
+  const std::uint64_t bytes = bytesOf(place, record);
   if (bytes > 0 && rba < Ref::size)
     return failedTable(error, ErrorCode::kDamaged, loaded.file, place.name, rba,
                        "begins inside the control record");
@@ -79,14 +58,14 @@ bool placeOne(Database::Loaded& loaded, const Place& place, Error& error) {
         error, ErrorCode::kShortFile, loaded.file, place.name, rba,
         "has " + std::to_string(bytes) + " bytes, the file " + std::to_string(loaded.bytes.size()));
   // Nothing writes to the tables of a Database: they are not constant for the library's own.
-  loaded.slots[line.slot].table =
+  loaded.slots[place.slot].table =
       const_cast<unsigned char*>(loaded.bytes.data() + (bytes == 0 ? Ref::size : rba));
-  if (line.slot != kSlotHashTable && line.slot != kSlotHashOverflow) return true;
+  if (place.slot != kSlotHashTable && place.slot != kSlotHashOverflow) return true;
   const std::uint64_t end = bytes == 0 ? Ref::size : rba + bytes;
   const std::uint64_t readable = std::max(loaded.bytes.size(), loaded.zerosTo);
   if (end + kReadBehind <= readable) return true;
-  Block& copy = loaded.copies[line.slot == kSlotHashTable ? 0 : 1];
-  return copyWithSlack(loaded, copy, line.slot, bytes) ||
+  Block& copy = loaded.copies[place.slot == kSlotHashTable ? 0 : 1];
+  return copyWithSlack(loaded, copy, place.slot, bytes) ||
          failed(error, ErrorCode::kNoMemory, 0, "no memory for " + loaded.file);
 }
 
@@ -109,10 +88,10 @@ bool failedTable(Error& error, ErrorCode code, const std::string& file, const ch
 
 std::uint64_t endOfTables(const RefControlRec& record) {
   std::uint64_t end = Ref::size;
-  for (const Place& place : kPlaces) {
-    const TableLine& line = tableLine(place.table);
-    const std::uint64_t bytes = isThere(line, record) ? bytesOf(line, record) : 0;
-    if (bytes > 0) end = std::max(end, wordAt(record, line.rbaAt) + bytes);
+  for (const TableId id : kTables) {
+    const TableLine& table = tableLine(id);
+    const std::uint64_t bytes = isThere(table, record) ? bytesOf(table, record) : 0;
+    if (bytes > 0) end = std::max(end, wordAt(record, table.rbaAt) + bytes);
   }
   return end;
 }
@@ -121,8 +100,8 @@ bool placeTables(Database::Loaded& loaded, Error& error) {
   loaded.view.slots = loaded.slots.data();
   loaded.view.record = reinterpret_cast<const Ref*>(loaded.bytes.data());
   loaded.view.behind = 0;
-  return std::all_of(std::begin(kPlaces), std::end(kPlaces), [&](const Place& place) {
-    return !isThere(tableLine(place.table), *loaded.view.record) || placeOne(loaded, place, error);
+  return std::all_of(std::begin(kTables), std::end(kTables), [&](TableId id) {
+    return !isThere(tableLine(id), *loaded.view.record) || placeOne(loaded, tableLine(id), error);
   });
 }
 

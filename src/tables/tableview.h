@@ -43,10 +43,12 @@ struct TableView {
   }
 };
 
-// The process-wide tables.
+// The process-wide tables, with a control record; without one nothing is there.
+[[nodiscard]] inline TableView processTables(const RefControlRec* record) {
+  return {refPointers.data(), record, static_cast<std::uint32_t>(kTableSlack)};
+}
 [[nodiscard]] inline TableView processTables() {
-  return {refPointers.data(), pProcObj == nullptr ? nullptr : pProcObj->refControlRec,
-          static_cast<std::uint32_t>(kTableSlack)};
+  return processTables(pProcObj == nullptr ? nullptr : pProcObj->refControlRec);
 }
 
 }  // namespace statecut

@@ -73,8 +73,8 @@ TEST_F(OpenDatabase, AShortFileIsRefusedAtEveryLength) {
 TEST_F(OpenDatabase, ATableInsideTheControlRecordIsRefused) {
   EXPECT_EQ(
       refusal(damaged(Ref::firmsRba.at, 4, 100), ErrorCode::kDamaged),
-      folder_.file("damaged") + ": the table Firm Names at 100 begins inside the control record");
-  EXPECT_EQ(error_.table, "Firm Names");
+      folder_.file("damaged") + ": the table Firm names at 100 begins inside the control record");
+  EXPECT_EQ(error_.table, "Firm names");
   EXPECT_EQ(error_.offset, 100U);
 }
 
@@ -83,7 +83,7 @@ TEST_F(OpenDatabase, AZipCodeOfAnotherRecordIsRefused) {
   const std::size_t at = word(Ref::zipIndexRba.at) + 2 * std::size_t{code};
   ASSERT_EQ(le::get<2>(bytes_.data() + at), 1U);
   EXPECT_EQ(refusal(damaged(at, 2, 2), ErrorCode::kDamaged),
-            folder_.file("damaged") + ": the table Zip Code Index at " + std::to_string(at) +
+            folder_.file("damaged") + ": the table ZIP index at " + std::to_string(at) +
                 " leads to no record of the ZIP code " + std::to_string(code));
   EXPECT_EQ(error_.offset, at);
   refusal(damaged(at, 2, word(Ref::zipDataCount.at)), ErrorCode::kDamaged);
@@ -96,7 +96,7 @@ TEST_F(OpenDatabase, AListBehindItsTableIsRefused) {
   const std::uint32_t end = word(Ref::zipMultiCityListsCount.at);
   ASSERT_NE(open(damaged(zip + ZipDataRow::cityKeysIndex.at, 4, end - 2)), nullptr) << error_.text;
   EXPECT_EQ(refusal(damaged(zip + ZipDataRow::cityKeysIndex.at, 4, end - 1), ErrorCode::kDamaged),
-            folder_.file("damaged") + ": the table Zip Code Data at " + std::to_string(zip) +
+            folder_.file("damaged") + ": the table ZIP data at " + std::to_string(zip) +
                 " has a list of cities that ends behind its table");
   bytes_ = whole;
   const std::size_t fin = word(Ref::finMultiZipRbasRba.at) + 8;
@@ -105,7 +105,7 @@ TEST_F(OpenDatabase, AListBehindItsTableIsRefused) {
   const std::uint32_t lists = word(Ref::multiZipListsCount.at);
   ASSERT_NE(open(damaged(fin + 2, 2, lists - zips)), nullptr) << error_.text;
   refusal(damaged(fin + 2, 2, lists - zips + 1), ErrorCode::kDamaged);
-  EXPECT_EQ(error_.table, "Finance Multi Zip RBAs");
+  EXPECT_EQ(error_.table, "Finance multi-ZIP RBAs");
 }
 
 TEST_F(OpenDatabase, ARangeFileOfAnotherBuildOrACutIsRefused) {
