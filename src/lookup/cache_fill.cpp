@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "base/system.h"
+#include "base/memory.h"
 #include "dbfiles/reports.h"
 #include "lookup/cacheblock.h"
 #include "lookup/refaccess.h"
@@ -52,7 +52,7 @@ std::int32_t chFillCacheFromFile(Cache* cache, Stream* file, std::uint32_t rba, 
   const std::uint32_t aligned = rba - rba % static_cast<std::uint32_t>(blockSize);
   CacheEntry& entry = replaced(cache);
   const std::int32_t got = readGuarded(file, aligned, blockSize, entry.data, proc);
-  // The entry counts as filled even when the read failed. Meant.
+  // Deliberate: the entry counts as filled even when the read failed.
   hold(entry, aligned, blockSize);
   return got == -1 ? -1 : 0;
 }
@@ -63,14 +63,14 @@ std::int32_t chFillLargeCacheFromFile(Cache* cache, Stream* file, std::uint32_t 
   CacheEntry& entry = replaced(cache);
   const auto bytes = static_cast<std::size_t>(length);
   // What a read brings before it ends early would stand under the RBA of the record in the entry.
-  void* const record = sys::allocateZeroed(bytes + 1);
+  void* const record = allocTable(bytes);
   const bool filled =
       record != nullptr && dbReadBlock(file, rba, length, record, proc).got == bytes && !lost(file);
   if (filled) {
     std::memcpy(entry.data, record, bytes);
     hold(entry, rba, length);
   }
-  sys::release(record);
+  freeTable(record);
   return filled ? 0 : -1;
 }
 

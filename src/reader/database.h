@@ -3,6 +3,7 @@
 // no lock and no memory and answers from tables in memory. What it gives back points into the
 // database and is good as long as that.
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -175,7 +176,8 @@ struct Database::PatternCursor {
   bool next(CityName& item) noexcept;
   const Loaded* loaded = nullptr;
   char state[2] = {};
-  std::string_view text;  // of the caller's pattern
+  std::array<char, 28> text{};  // a copy: the caller's pattern may be gone
+  std::uint8_t length = 0;
   Match match = Match::kNothing;
   std::int32_t start = 0;
 };

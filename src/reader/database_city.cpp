@@ -1,5 +1,7 @@
 // Cities by name, truncated name, phonetic key and pattern, and their data.
 
+#include <algorithm>
+
 #include "hash/namehash.h"
 #include "lookup/inmemory.h"
 #include "reader/loaded.h"
@@ -97,11 +99,12 @@ Walk<Database::CityCursor> Database::cityNames() const noexcept {
 
 bool Database::PatternCursor::next(CityName& item) noexcept {
   if (loaded == nullptr || match == Match::kNothing) return false;
-  const auto fits = [this](const CityNameRow& record) {
+  const std::string_view wanted(text.data(), length);
+  const auto fits = [&](const CityNameRow& record) {
     const std::string_view name = nameOf(record);
-    if (match == Match::kStarts) return name.starts_with(text);
-    if (match == Match::kEnds) return name.ends_with(text);
-    return name.find(text) != std::string_view::npos;
+    if (match == Match::kStarts) return name.starts_with(wanted);
+    if (match == Match::kEnds) return name.ends_with(wanted);
+    return name.find(wanted) != std::string_view::npos;
   };
   const std::int32_t behind = memory::searchCities(loaded->view, state, start, fits);
   start = behind;
@@ -125,8 +128,10 @@ Walk<Database::PatternCursor> Database::cities(std::string_view state,
   const bool trailing = text.ends_with('*');
   if (trailing) text.remove_suffix(1);
   const bool valid = !text.empty() && !text.starts_with('*') && !text.ends_with('*');
-  cursor.text = text;
-  if (valid) cursor.match = !leading ? Match::kStarts : trailing ? Match::kHolds : Match::kEnds;
+  if (!valid || text.size() > cursor.text.size()) return Walk<PatternCursor>(cursor);
+  std::copy(text.begin(), text.end(), cursor.text.begin());
+  cursor.length = static_cast<std::uint8_t>(text.size());
+  cursor.match = !leading ? Match::kStarts : trailing ? Match::kHolds : Match::kEnds;
   return Walk<PatternCursor>(cursor);
 }
 

@@ -105,6 +105,18 @@ TEST_F(ADatabase, SmallTablesGiveTheirBytes) {
   EXPECT_TRUE(database_->urbanization(word(Ref::urbsCount.at)).empty());
 }
 
+TEST_F(ADatabase, ARangeOfAPatternOutlivesThePattern) {
+  std::string pattern = "S*";
+  const auto cities = database_->cities("TX", pattern);
+  pattern = "*?";
+  std::size_t found = 0;
+  for (const CityName& city : cities) {
+    EXPECT_EQ(nameOf(*city).front(), 'S');
+    ++found;
+  }
+  EXPECT_GT(found, 0U);
+}
+
 TEST_F(ADatabase, StatesOfOtherLengthsAreNone) {
   const CityName city = *database_->cityNames().begin();
   ASSERT_TRUE(database_->findCity(stateOf(*city), nameOf(*city)));
