@@ -5,6 +5,7 @@
 
 #include <statecut/database.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -93,8 +94,8 @@ int main(int argc, char** argv) {
   release.store(std::move(first));
 
   std::thread reloader(reloadOnHangup, argv[1], std::cref(hangup));
-  std::vector<std::thread> servers;
-  for (int i = 0; i < std::atoi(argv[2]); ++i) servers.emplace_back(serve);
+  std::vector<std::thread> servers(static_cast<std::size_t>(std::max(1, std::atoi(argv[2]))));
+  for (std::thread& server : servers) server = std::thread(serve);
   for (std::thread& server : servers) server.join();
   finished = true;
   pthread_kill(reloader.native_handle(), SIGHUP);

@@ -113,7 +113,7 @@ Child startProgram(const std::string& program, const std::vector<std::string>& a
       ::dup2(child.output.get(), STDERR_FILENO) < 0 || ::chdir(folder.c_str()) != 0)
     ::_exit(kNotStarted);
   ::execv(words[0], words.data());
-  ::_exit(kNotStarted);
+  std::_Exit(kNotStarted);
 }
 
 Child startFunction(const std::function<std::string()>& function) {

@@ -135,7 +135,7 @@ bool showVariation(Session& session, const char* title, const std::string& name,
 
 bool showStreetAs(Session& session, const std::string& name, std::ostream& out) {
   const ProcObj& members = *session.proc();
-  const std::int32_t key = members.pfnFindStreetKey(name.c_str(), lengthOf(name), session.proc());
+  const auto key = members.pfnFindStreetKey(name.c_str(), lengthOf(name), session.proc());
   bool found = key != -1;
   if (found)
     out << "street "
@@ -197,7 +197,7 @@ bool showStreet(Session& session, const std::string& name, std::ostream& out) {
 bool showFirm(Session& session, const std::string& name, std::ostream& out) {
   return eitherCase(name, [&](const std::string& text) {
     const ProcObj& members = *session.proc();
-    const std::int32_t key = members.pfnFindFirm(text.c_str(), lengthOf(text), session.proc());
+    const auto key = members.pfnFindFirm(text.c_str(), lengthOf(text), session.proc());
     if (key == -1) return false;
     out << "firm " << packedText(members.pfnGetFirmName, static_cast<std::uint32_t>(key), session)
         << " (key " << key << ")\n";

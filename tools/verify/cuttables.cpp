@@ -100,8 +100,10 @@ std::uint64_t bytesInCut(const DerivedCut& cut, TableId id) {
   const TableDef& def = tableDef(id);
   if (!place.carried) return 0;
   if (id == TableId::CityNames) return std::uint64_t{keptCount(cut.nameMap)} * def.cutWidth;
-  if (id == TableId::CityNamesByState)
-    return (std::uint64_t{keptCount(cut.nameMap)} - 1) * def.cutWidth;
+  if (id == TableId::CityNamesByState) {
+    const std::uint64_t kept = keptCount(cut.nameMap);
+    return kept == 0 ? 0 : (kept - 1) * def.cutWidth;
+  }
   if (id == TableId::CityPhonetics) return std::uint64_t{keptCount(cut.phoneticMap)} * def.cutWidth;
   return def.sizing == Sizing::OwnHeader ? place.bytes : place.count * def.cutWidth;
 }
