@@ -85,7 +85,7 @@ template <std::uint32_t kType>
 [[gnu::always_inline]] inline unsigned char* findOf(const unsigned char* name, std::int32_t length,
                                                     unsigned char* slot, std::uint32_t check,
                                                     const TableView& view) {
-  constexpr const NameLayout& layout = kNameLayouts[kType];
+  static constexpr NameLayout layout = kNameLayouts[kType];
   const unsigned char* table = view.table(layout.slot);
   const std::int32_t wanted = length - layout.added;  // in the length byte
   if (table == nullptr || wanted < 0 || wanted > layout.mostByte) return nullptr;

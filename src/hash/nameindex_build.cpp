@@ -1,6 +1,7 @@
 // Making the index of names from the file's.
 
 #include <algorithm>
+#include <memory>
 
 #include "base/system.h"
 #include "hash/nameindex_bucket.h"
@@ -157,14 +158,15 @@ class NameIndex::Builder {
   bool makeRoom(NameIndex& index) const {
     if (count_ > UINT32_MAX) return false;
     const auto buckets = static_cast<std::uint32_t>(count_ / kWanted + 1);
-    void* block = sys::allocateZeroed((std::size_t{buckets} + 1) * sizeof(Bucket));
+    std::size_t room = (std::size_t{buckets} + 1) * sizeof(Bucket);
+    void* block = sys::allocateZeroed(room);
     if (block == nullptr) return false;
-    auto at = reinterpret_cast<std::uintptr_t>(block);
-    at += (sizeof(Bucket) - at % sizeof(Bucket)) % sizeof(Bucket);
+    void* at = block;
+    std::align(sizeof(Bucket), std::size_t{buckets} * sizeof(Bucket), at, room);
     index.names_ = source_.names.data();
     index.type_ = source_.type;
     index.block_ = block;
-    index.buckets_ = reinterpret_cast<Bucket*>(at);
+    index.buckets_ = static_cast<Bucket*>(at);
     index.count_ = buckets;
     return true;
   }
