@@ -73,7 +73,7 @@ std::string findProgram(const std::string& name) {
   folders += ':';
   for (std::size_t at = 0, end; (end = folders.find(':', at)) != std::string::npos; at = end + 1) {
     const std::string folder = folders.substr(at, end - at);
-    const std::string one =
+    std::string one =
         std::filesystem::absolute((folder.empty() ? "." : folder) + "/" + name, ignored).string();
     if (runs(one)) return one;
   }
