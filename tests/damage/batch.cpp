@@ -22,14 +22,8 @@ namespace {
 
 const std::size_t kBatch = 500;
 
-std::string makeFolder() {
-  const bool memory = ::access("/dev/shm", W_OK) == 0;
-  const char* chosen = std::getenv("TMPDIR");
-  std::string name = memory ? "/dev/shm" : chosen != nullptr ? chosen : "/tmp";
-  name += "/statecut-XXXXXX";
-  if (::mkdtemp(name.data()) == nullptr) std::abort();
-  return name;
-}
+// Files in memory are damaged faster.
+std::string baseFolder() { return ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : temporaryBase(); }
 
 Progress* sharedProgress() {
   void* at =
@@ -160,7 +154,8 @@ void redirect(int fd, const std::string& path) {
 
 Damager::Damager(PairImage pair, const PairImage* source, Queries which)
     : pair_(std::move(pair)),
-      files_{makeFolder(), "pair"},
+      folder_(baseFolder()),
+      files_{folder_.path(), "pair"},
       programs_(files_, source == nullptr ? PairFiles{} : PairFiles{files_.folder, "source"},
                 queriesOf(pair_, which)) {
   ::setenv("SOURCE_DATE_EPOCH", "1767225601", 1);
@@ -171,11 +166,6 @@ Damager::Damager(PairImage pair, const PairImage* source, Queries which)
     writeWholeFile(files_.folder + "/source.rng", source->rng);
   }
   restore();
-}
-
-Damager::~Damager() {
-  std::error_code ignored;
-  std::filesystem::remove_all(files_.folder, ignored);
 }
 
 void Damager::restore() const {

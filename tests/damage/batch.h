@@ -45,7 +45,6 @@ class Damager {
   // Works in a folder of its own on a memory file system when there is one. With `source`, the
   // pair is a cut of it.
   Damager(PairImage pair, const PairImage* source, Queries which);
-  ~Damager();
   Damager(const Damager&) = delete;
   Damager& operator=(const Damager&) = delete;
 
@@ -67,6 +66,7 @@ class Damager {
                      Progress& progress);
 
   PairImage pair_;
+  TempDir folder_;
   PairFiles files_;
   Programs programs_;
 };

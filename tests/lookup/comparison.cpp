@@ -2,14 +2,12 @@
 
 #include <stdlib.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 #include "base/le.h"
 #include "dbfiles/controlrec.h"
 #include "oracle.h"
+#include "support/files.h"
 
 namespace statecut::test {
 
@@ -18,26 +16,6 @@ namespace {
 constexpr int kShown = 5;
 constexpr int kEndlessSearches = 1;
 
-// A file in a folder of its own, both gone at the end.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const Bytes& bytes) {
-    const char* base = std::getenv("TMPDIR");
-    folder_ = std::string(base == nullptr ? "/tmp" : base) + "/statecut-XXXXXX";
-    if (mkdtemp(folder_.data()) == nullptr) folder_.clear();
-    std::ofstream file(path(), std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-  }
-  ~TemporaryFile() { std::filesystem::remove_all(folder_); }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  [[nodiscard]] std::string path() const { return folder_ + "/city.dir"; }
-
- private:
-  std::string folder_;
-};
-
 class Run {
  public:
   Run(const Variant& variant, const Database& database, Soundness soundness, Tally& tally)
@@ -45,12 +23,13 @@ class Run {
         database_(database),
         soundness_(soundness),
         tally_(tally),
-        file_(database.file),
         memory_(database.file, Oracle::kMemory) {
     if (variant.blockBytes != 0)
       cache_.emplace(database.file, variant.blockBytes, static_cast<std::size_t>(variant.entries));
     disk_.emplace(database.file, Oracle::kDisk, cache_ ? &*cache_ : nullptr);
-    session_.emplace(variant, file_.path(), database.file);
+    const std::string file = folder_.file("city.dir");
+    writeWholeFile(file, database.file);
+    session_.emplace(variant, file, database.file);
   }
 
   std::string all(const std::vector<Call>& calls) {
@@ -134,7 +113,7 @@ class Run {
   const Database& database_;
   Soundness soundness_;
   Tally& tally_;
-  TemporaryFile file_;
+  TempDir folder_;
   Oracle memory_;
   std::optional<BlockModel> cache_;
   std::optional<Oracle> disk_;

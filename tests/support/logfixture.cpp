@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -38,9 +37,6 @@ std::string sizeLine(const std::string& table, std::int32_t bytes) {
 LogFixture::LogFixture() {
   setenv("TZ", "UTC", 1);
   tzset();
-  const char* base = std::getenv("TMPDIR");
-  folder_ = std::string(base == nullptr ? "/tmp" : base) + "/statecut-XXXXXX";
-  EXPECT_NE(mkdtemp(folder_.data()), nullptr);
   proc_.files = &proc_.fileRecord;
   proc_.stats = &proc_.statistics;
   proc_.options = &options_;
@@ -57,7 +53,6 @@ LogFixture::~LogFixture() {
   for (const int end : pipe_)
     if (end >= 0) close(end);
   pProcObj = nullptr;
-  std::filesystem::remove_all(folder_);
 }
 
 std::string LogFixture::write(const std::string& name, const Bytes& bytes) const {
@@ -93,9 +88,9 @@ Bytes LogFixture::contents(const std::string& name) const {
   return Bytes(std::istreambuf_iterator<char>(file), {});
 }
 
-std::vector<std::string> LogFixture::records() {
+std::vector<std::string> LogFixture::recordsAs(const char* format) {
   static const std::regex kRecord(
-      R"(\d\d/\d\d/\d\d \d\d:\d\d\.\d\d;([A-Z]*);(\w*):\d{4,};\d+;(\d+;.*))");
+      R"(\d\d/\d\d/\d\d \d\d:\d\d\.\d\d;([A-Z]*);(\w*):(\d{4,});\d+;(\d+;.*))");
   const Bytes log = contents("log");
   std::istringstream lines(
       std::string(log.begin() + static_cast<std::ptrdiff_t>(seen_), log.end()));
@@ -104,7 +99,7 @@ std::vector<std::string> LogFixture::records() {
   for (std::string line; std::getline(lines, line);) {
     std::smatch fields;
     if (std::regex_match(line, fields, kRecord)) {
-      found.push_back(fields.str(1) + ";" + fields.str(2) + ";" + fields.str(3));
+      found.push_back(fields.format(format));
     } else if (!found.empty()) {
       found.back() += "\n" + line;
     } else {

@@ -11,6 +11,7 @@
 
 #include "base/procobj.h"
 #include "base/stream.h"
+#include "support/files.h"
 
 namespace statecut::test {
 
@@ -32,7 +33,7 @@ class LogFixture : public ::testing::Test {
   LogFixture(const LogFixture&) = delete;
   LogFixture& operator=(const LogFixture&) = delete;
 
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
+  [[nodiscard]] std::string path(const std::string& name) const { return folder_.file(name); }
   // Writes a file of the folder; opens one (closed by the fixture, unless forgotten).
   std::string write(const std::string& name, const Bytes& bytes) const;
   Stream* opened(const std::string& file, const char* mode = "rb");
@@ -40,19 +41,24 @@ class LogFixture : public ::testing::Test {
   // A pipe, in which every seek fails.
   Stream* unseekable();
   // A folder, of which every read fails.
-  Stream* unreadable() { return opened(folder_); }
+  Stream* unreadable() { return opened(folder_.path()); }
   void forget(const Stream* stream);
   [[nodiscard]] Bytes contents(const std::string& name) const;
 
   // The records since the last call, as "ERR;dbaccess;20002;DB Seek Error;rba=1, Illegal seek":
   // date, line and process id dropped, and the last new line.
-  std::vector<std::string> records();
+  std::vector<std::string> records() { return recordsAs("$1;$2;$4"); }
+  // The same with the line: "ERR;dbaccess:0123;20002;DB Seek Error;rba=1, Illegal seek".
+  std::vector<std::string> recordsWithLines() { return recordsAs("$1;$2:$3;$4"); }
 
   ProcObj proc_{};
   OptionsRecord options_{};
 
  private:
-  std::string folder_;
+  // By a format of the fields severity, source, line and the rest.
+  std::vector<std::string> recordsAs(const char* format);
+
+  TempDir folder_;
   std::size_t seen_ = 0;  // bytes of the log already handed out
   std::vector<Stream*> streams_;
   int pipe_[2] = {-1, -1};

@@ -9,11 +9,6 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
 #include <system_error>
 
 namespace statecut::test {
@@ -111,17 +106,6 @@ bool converse(const Command& command, Pipe& in, Pipe& out, Pipe& err, ProcessRes
 
 }  // namespace
 
-TempDir::TempDir() {
-  const char* base = std::getenv("TMPDIR");
-  path_ = std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/statecut.XXXXXX";
-  if (mkdtemp(path_.data()) == nullptr) fail("mkdtemp");
-}
-
-TempDir::~TempDir() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
 ProcessResult runProcess(const Command& command) {
   std::vector<std::string> arguments = {command.program};
   arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
@@ -148,28 +132,6 @@ ProcessResult runProcess(const Command& command) {
   if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
   if (WIFEXITED(status)) result.exitStatus = WEXITSTATUS(status);
   return result;
-}
-
-void writeWholeFile(const std::string& path, const FileBytes& bytes) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(reinterpret_cast<const char*>(bytes.data()),
-             static_cast<std::streamsize>(bytes.size()));
-  if (!file.flush()) throw std::runtime_error("can't write " + path);
-}
-
-std::optional<FileBytes> readWholeFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary | std::ios::ate);
-  if (!file) return std::nullopt;
-  FileBytes bytes(static_cast<std::size_t>(file.tellg()));
-  file.seekg(0);
-  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  if (!file) throw std::runtime_error("can't read " + path);
-  return bytes;
-}
-
-std::string readTextFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 }  // namespace statecut::test

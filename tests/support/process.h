@@ -1,27 +1,13 @@
 #pragma once
-// Runs a program as a user would and keeps what it wrote; temporary folders; whole files.
+// Runs a program as a user would and keeps what it wrote.
 
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
+#include "support/files.h"
+
 namespace statecut::test {
-
-// A folder of its own under TMPDIR (or /tmp), removed with all it holds.
-class TempDir {
- public:
-  TempDir();
-  ~TempDir();
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
-  [[nodiscard]] const std::string& path() const { return path_; }
-  [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
 
 struct Command {
   std::string program;
@@ -42,11 +28,5 @@ struct ProcessResult {
 
 // Waits for the end; past the timeout the program is killed.
 ProcessResult runProcess(const Command& command);
-
-using FileBytes = std::vector<unsigned char>;
-
-void writeWholeFile(const std::string& path, const FileBytes& bytes);
-std::optional<FileBytes> readWholeFile(const std::string& path);  // none: not there
-std::string readTextFile(const std::string& path);                // "" when not there
 
 }  // namespace statecut::test

@@ -5,25 +5,14 @@
 #include "cut/openfiles.h"
 #include "cut/rangecopy.h"
 #include "cut/refcopy.h"
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::Bytes;
-using cutbench::pattern;
-using cutbench::setText;
-using cutbench::slice;
+using namespace statecut::test;
 
-class Copying : public cutbench::CutBench {
- protected:
-  void start(const Bytes& source) {
-    source_ = source;
-    openSources(source, source);
-    openOutputs();
-  }
-  Bytes source_;
-};
+class Copying : public CutFixture {};
 
 TEST_F(Copying, EntryPointIsCopiedByteForByteWithoutCounting) {
   start(pattern(20000, 1));

@@ -14,13 +14,12 @@
 #include "dbbuilder/places.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/writer.h"
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::Bytes;
-using cutbench::slice;
+using namespace statecut::test;
 
 RefControlRec controlRecordOf(const Bytes& file) {
   RefControlRec record{};
@@ -28,7 +27,7 @@ RefControlRec controlRecordOf(const Bytes& file) {
   return record;
 }
 
-class CutState : public cutbench::CutBench {
+class CutState : public CutFixture {
  protected:
   CutState() : model(builder::makeModel(builder::tinyPlaces(), builder::tinyOptions())) {
     setNames("city.dir", "zip4us.dir", "city.sc", "zip4us.sc");
@@ -40,8 +39,8 @@ class CutState : public cutbench::CutBench {
   }
 
   void writeSources() {
-    writeFile("city.dir", builder::referenceFile(model).bytes);
-    writeFile("zip4us.dir", builder::rangeFile(model.range));
+    write("city.dir", builder::referenceFile(model).bytes);
+    write("zip4us.dir", builder::rangeFile(model.range));
   }
   std::int32_t cut() {
     writeSources();
@@ -73,8 +72,8 @@ class CutState : public cutbench::CutBench {
 
 TEST_F(CutState, CutPairIsMarkedStampedAndComplete) {
   ASSERT_EQ(cut(), 0);
-  const Bytes ref = readFile("city.sc");
-  const Bytes rng = readFile("zip4us.sc");
+  const Bytes ref = contents("city.sc");
+  const Bytes rng = contents("zip4us.sc");
   const RefControlRec record = controlRecordOf(ref);
   EXPECT_EQ(record.get(RefControlRec::typeFlags), 5u);
   EXPECT_EQ(record.get(RefControlRec::stateCutTimeStamp), 1700000000u);
@@ -86,10 +85,10 @@ TEST_F(CutState, CutPairIsMarkedStampedAndComplete) {
 
 TEST_F(CutState, ZipRecordsOfTheCutPointAtTheirPartitions) {
   ASSERT_EQ(cut(), 0);
-  const Bytes ref = readFile("city.sc");
-  const Bytes rng = readFile("zip4us.sc");
-  const Bytes sourceRef = readFile("city.dir");
-  const Bytes sourceRng = readFile("zip4us.dir");
+  const Bytes ref = contents("city.sc");
+  const Bytes rng = contents("zip4us.sc");
+  const Bytes sourceRef = contents("city.dir");
+  const Bytes sourceRng = contents("zip4us.dir");
   const RefControlRec record = controlRecordOf(ref);
   const RefControlRec source = controlRecordOf(sourceRef);
   int checked = 0;
@@ -109,20 +108,20 @@ TEST_F(CutState, ZipRecordsOfTheCutPointAtTheirPartitions) {
 
 TEST_F(CutState, FirstFourTablesKeepTheirPlace) {
   ASSERT_EQ(cut(), 0);
-  const Bytes ref = readFile("city.sc");
+  const Bytes ref = contents("city.sc");
   const RefControlRec record = controlRecordOf(ref);
   const std::uint32_t end =
       record.get(RefControlRec::streetNamesRba) + record.get(RefControlRec::streetNamesBytes);
-  EXPECT_EQ(slice(ref, 844, end - 844), slice(readFile("city.dir"), 844, end - 844));
+  EXPECT_EQ(slice(ref, 844, end - 844), slice(contents("city.dir"), 844, end - 844));
   EXPECT_EQ(record.get(RefControlRec::firmsRba), end);
 }
 
 TEST_F(CutState, StateWithoutZipsGivesAValidPairAndAWarning) {
   setStates({"ZZ"});
   ASSERT_EQ(cut(), 0);
-  const RefControlRec record = controlRecordOf(readFile("city.sc"));
+  const RefControlRec record = controlRecordOf(contents("city.sc"));
   EXPECT_EQ(record.get(RefControlRec::cityNamesCount), 1u);
-  EXPECT_EQ(readFile("zip4us.sc").size(), 624u);
+  EXPECT_EQ(contents("zip4us.sc").size(), 624u);
   const std::vector<std::string> lines = log();
   EXPECT_EQ(std::count(lines.begin(), lines.end(),
                        "WARN;cutstate:1758;0;State Selection;No zip entries found for selected "
@@ -136,16 +135,16 @@ TEST_F(CutState, DifferentTimeStampsEndAfterTheReferenceWasStarted) {
   EXPECT_EQ(lastErrors(), "ERR;cutstate:1907;0;DB Error;DB Timestamps are not the same.\n");
   EXPECT_FALSE(std::filesystem::exists(path("zip4us.sc")));
   streamFlush(newRefDb);
-  EXPECT_GT(readFile("city.sc").size(), 844u);
+  EXPECT_GT(contents("city.sc").size(), 844u);
 }
 
 TEST_F(CutState, RangeStatusesPassReferenceStatusesDoNot) {
   writeSources();
   std::filesystem::remove(path("zip4us.dir"));
   EXPECT_EQ(run(), -11);
-  writeFile("zip4us.dir", Bytes(623));
+  write("zip4us.dir", Bytes(623));
   EXPECT_EQ(run(), -12);
-  writeFile("city.dir", Bytes(843));
+  write("city.dir", Bytes(843));
   EXPECT_EQ(run(), -1);
   std::filesystem::remove(path("city.dir"));
   EXPECT_EQ(run(), -1);
@@ -194,13 +193,13 @@ class SharedNames : public CutState {
  protected:
   // Cuts, and expects that `output` is refused for `other` with every file untouched.
   void expectRefused(const std::string& output, const std::string& other) {
-    const Bytes ref = readFile("city.dir");
-    const Bytes rng = readFile("zip4us.dir");
+    const Bytes ref = contents("city.dir");
+    const Bytes rng = contents("zip4us.dir");
     EXPECT_EQ(run(), -1);
     EXPECT_EQ(errorTexts(),
               "20003;Open Error;" + path(output) + ";same file as " + path(other) + "\n");
-    EXPECT_EQ(readFile("city.dir"), ref);
-    EXPECT_EQ(readFile("zip4us.dir"), rng);
+    EXPECT_EQ(contents("city.dir"), ref);
+    EXPECT_EQ(contents("zip4us.dir"), rng);
   }
 };
 
@@ -220,10 +219,10 @@ TEST_F(SharedNames, OutputThatIsAnInputIsRefusedHoweverAliased) {
 
 TEST_F(SharedNames, OutputThatIsTheStateFileIsRefused) {
   writeSources();
-  writeFile("states", Bytes{'O', 'K', '\n'});
+  write("states", Bytes{'O', 'K', '\n'});
   setNames("city.dir", "zip4us.dir", "city.sc", "states", "states");
   expectRefused("states", "states");
-  EXPECT_EQ(readFile("states").size(), 3u);
+  EXPECT_EQ(contents("states").size(), 3u);
 }
 
 TEST_F(SharedNames, OutputsThatAreOneFileAreRefused) {
@@ -308,7 +307,7 @@ TEST_F(CutState, DatabaseWithoutMilitaryAndZoneTablesIsCutWithoutThem) {
   model.military.reset();
   model.poBoxZones.reset();
   ASSERT_EQ(cut(), 0);
-  const RefControlRec record = controlRecordOf(readFile("city.sc"));
+  const RefControlRec record = controlRecordOf(contents("city.sc"));
   EXPECT_EQ(record.get(RefControlRec::militaryRba), 0u);
   EXPECT_EQ(record.get(RefControlRec::pobZonesRba), 0u);
 }

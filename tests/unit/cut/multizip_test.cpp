@@ -5,16 +5,14 @@
 #include "base/stream.h"
 #include "cut/multizipsize.h"
 #include "cut/rangecopy.h"
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::Bytes;
-using cutbench::pattern;
-using cutbench::slice;
+using namespace statecut::test;
 
-class MultiZipSize : public cutbench::CutBench {
+class MultiZipSize : public CutFixture {
  protected:
   using Entry = std::pair<std::uint32_t, std::uint32_t>;
 
@@ -127,9 +125,7 @@ TEST_F(MultiZipSize, MissingKeyWarnsWithTheSameLabelForEveryKind) {
 class MultiZip : public MultiZipSize {
  protected:
   MultiZip() {
-    source_ = pattern(30000, 6);
-    openSources(source_, source_);
-    openOutputs();
+    start(pattern(30000, 6));
     totalRngBytes = 624;
     setWord(RefControlRec::cityDataCount, 5);
     setWord(RefControlRec::cityMultiZipRbasCount, 5);
@@ -193,7 +189,6 @@ class MultiZip : public MultiZipSize {
     return records[city].get(CityMultiZipRow::sfhRba);
   }
 
-  Bytes source_;
   CityDataRow* cities;
   CityMultiZipRow* records;
   FinMultiZipRow* finance;

@@ -7,24 +7,17 @@
 #include "base/stream.h"
 #include "cut/openfiles.h"
 #include "cut/rangecopy.h"
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::Bytes;
-using cutbench::pattern;
-using cutbench::slice;
+using namespace statecut::test;
 
 using Partition = std::pair<std::uint32_t, std::uint32_t>;  // RBA, bytes
 
-class Plan : public cutbench::CutBench {
+class Plan : public CutFixture {
  protected:
-  void start(const Bytes& source) {
-    source_ = source;
-    openSources(source, source);
-    openOutputs();
-  }
   static void run(const std::vector<Partition>& partitions) {
     RangePlan plan(rangePath());
     for (const auto& [rba, bytes] : partitions) plan.add(rba, bytes);
@@ -45,7 +38,6 @@ class Plan : public cutbench::CutBench {
     EXPECT_EQ(writtenRange(), bytes);
     EXPECT_EQ(proc.stats->reads, reads);
   }
-  Bytes source_;
 };
 
 TEST_F(Plan, NeighboursAndStrangersComeOutInTheirOrder) {

@@ -2,16 +2,16 @@
 
 #include "base/le.h"
 #include "hash/namehash.h"
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::setText;
+using namespace statecut::test;
 
 // City names OK ADA, OK TULSA, TX DALLAS, TX WACO and as many phonetic keys, behind a blank record.
 // All of them stand in overflow chains of one hash slot.
-class RefUpdate : public cutbench::CutBench {
+class RefUpdate : public CutFixture {
  protected:
   struct Name {
     const char* state;

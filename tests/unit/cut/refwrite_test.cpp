@@ -6,16 +6,14 @@
 #include "base/stream.h"
 #include "cut/openfiles.h"
 #include "cut/workstate.h"
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::Bytes;
-using cutbench::pattern;
-using cutbench::slice;
+using namespace statecut::test;
 
-class RefWrite : public cutbench::CutBench {
+class RefWrite : public CutFixture {
  protected:
   RefWrite() {
     openOutputs();

@@ -1,13 +1,13 @@
 #include "cut/zipselect.h"
 
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 namespace {
 
 using namespace statecut;
-using cutbench::setText;
+using namespace statecut::test;
 
-class ZipSelect : public cutbench::CutBench {
+class ZipSelect : public CutFixture {
  protected:
   struct Zip {
     std::uint32_t zip;

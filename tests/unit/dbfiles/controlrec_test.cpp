@@ -11,10 +11,7 @@
 namespace statecut {
 namespace {
 
-using test::Bytes;
-using test::putWord;
-using test::refRecord;
-using test::rngRecord;
+using namespace test;
 using Lines = std::vector<std::string>;
 
 enum Reader { kProgram, kLibrary };

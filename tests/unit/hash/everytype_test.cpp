@@ -1,14 +1,14 @@
 // Renumbering names of every type, one by one and in batches.
 
 #include "hash/namehash.h"
-#include "unit/hash/hashbench.h"
+#include "unit/hash/indexfixture.h"
 
 namespace {
 
 using namespace statecut;
-using namespace hashbench;
+using namespace statecut::test;
 
-class EveryType : public HashBench {
+class EveryType : public IndexFixture {
  protected:
   void table(SlotNumber slot, const Bytes& bytes, std::uint32_t type) {
     makeIndex(8);

@@ -1,25 +1,22 @@
 // The search that reads slots, overflow entries and names from the reference file.
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 #include "base/stream.h"
 #include "hash/namehash.h"
-#include "unit/hash/hashbench.h"
+#include "support/files.h"
+#include "unit/hash/indexfixture.h"
 
 namespace {
 
 using namespace statecut;
-using namespace hashbench;
+using namespace statecut::test;
 
 constexpr std::uint32_t kSlotsAt = 900;
 constexpr std::uint32_t kOverflowAt = 1000;
 constexpr std::uint32_t kTableAt = 2000;
 
-class FileIndex : public HashBench {
+class FileIndex : public IndexFixture {
  protected:
   FileIndex() { file_.resize(kTableAt); }
   ~FileIndex() override { close(); }
@@ -45,13 +42,9 @@ class FileIndex : public HashBench {
  private:
   void open(const Bytes& bytes) {
     close();
-    const char* folder = std::getenv("TMPDIR");
-    path_ = std::string(folder == nullptr ? "/tmp" : folder) + "/fileindexXXXXXX";
-    const int fd = ::mkstemp(path_.data());
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(::write(fd, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    ::close(fd);
-    proc.files->reference = streamOpen(path_.c_str(), "rb");
+    const std::string path = folder_.file("index");
+    test::writeWholeFile(path, bytes);
+    proc.files->reference = streamOpen(path.c_str(), "rb");
     ASSERT_NE(proc.files->reference, nullptr);
   }
 
@@ -59,11 +52,10 @@ class FileIndex : public HashBench {
     if (proc.files->reference == nullptr) return;
     streamClose(proc.files->reference);
     proc.files->reference = nullptr;
-    std::remove(path_.c_str());
   }
 
   Bytes file_;
-  std::string path_;
+  test::TempDir folder_;
 };
 
 TEST_F(FileIndex, FindsPackedNames) {

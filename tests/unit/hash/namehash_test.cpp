@@ -1,13 +1,13 @@
 #include "hash/namehash.h"
 
-#include "unit/hash/hashbench.h"
+#include "unit/hash/indexfixture.h"
 
 namespace {
 
 using namespace statecut;
-using namespace hashbench;
+using namespace statecut::test;
 
-class NameHash : public HashBench {
+class NameHash : public IndexFixture {
  protected:
   NameHash() {
     setTable(kSlotFirms, packed({"ACME", "BOLTS"}));

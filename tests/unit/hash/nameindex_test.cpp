@@ -12,12 +12,12 @@
 #include "dbbuilder/writer.h"
 #include "hash/namehash.h"
 #include "support/randomdb.h"
-#include "unit/hash/hashbench.h"
+#include "unit/hash/indexfixture.h"
 
 namespace {
 
 using namespace statecut;
-using namespace hashbench;
+using namespace statecut::test;
 using builder::Random;
 using Ref = RefControlRec;
 
@@ -46,7 +46,7 @@ constexpr Form kForms[kTypes] = {
     {kSlotCityPhonetics, Ref::cityPhoneticsRba.at, Ref::cityPhoneticsCount.at, 26, 25, 0xFF, 255, 2,
      2}};
 
-class IndexOfNames : public HashBench {
+class IndexOfNames : public IndexFixture {
  protected:
   void load(const builder::Model& model) {
     const Bytes file = builder::referenceFile(model).bytes;

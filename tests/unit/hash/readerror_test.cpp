@@ -7,12 +7,12 @@
 
 #include "base/stream.h"
 #include "hash/namehash.h"
-#include "unit/hash/hashbench.h"
+#include "unit/hash/indexfixture.h"
 
 namespace {
 
 using namespace statecut;
-using namespace hashbench;
+using namespace statecut::test;
 
 constexpr std::uint32_t kFileAt = 0x50000000;  // RBAs are memory addresses: below 4 GiB
 constexpr std::uint32_t kPage = 4096;
@@ -20,7 +20,7 @@ constexpr std::uint32_t kDamagedAt = kFileAt + kPage;
 constexpr std::uint32_t kOverflowAt = kFileAt + 1000;
 constexpr std::uint32_t kNamesAt = kFileAt + 2000;
 
-class DamagedFile : public HashBench {
+class DamagedFile : public IndexFixture {
  protected:
   DamagedFile() {
     void* at =

@@ -12,38 +12,28 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
+
+#include "support/files.h"
 
 namespace statecut::test {
 
 // Makes a temporary folder the working folder; removed again with everything in it.
 class SandboxTest : public ::testing::Test {
  protected:
-  SandboxTest() : before_(std::filesystem::current_path()) {
-    std::string name = std::filesystem::temp_directory_path() / "statecutXXXXXX";
-    if (::mkdtemp(name.data()) == nullptr) std::abort();
-    folder_ = name;
-    std::filesystem::current_path(folder_);
-  }
-  ~SandboxTest() override {
-    std::filesystem::current_path(before_);
-    std::filesystem::remove_all(folder_);
-  }
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }
+  SandboxTest() { std::filesystem::current_path(folder_.path()); }
+  ~SandboxTest() override { std::filesystem::current_path(before_); }
+  [[nodiscard]] std::string path(const std::string& name) const { return folder_.file(name); }
 
  private:
-  std::filesystem::path before_;
-  std::filesystem::path folder_;
+  std::filesystem::path before_ = std::filesystem::current_path();
+  TempDir folder_;
 };
 
 inline bool fileExists(const std::string& name) { return std::filesystem::exists(name); }
 
 // Empty when there is no such file.
-inline std::string readFile(const std::string& name) {
-  std::ifstream in(name, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
+inline std::string readFile(const std::string& name) { return readTextFile(name); }
 
 inline void writeFile(const std::string& name, const std::string& bytes) {
   std::ofstream(name, std::ios::binary) << bytes;

@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "base/memory.h"
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 
@@ -13,7 +13,7 @@ using Lines = std::vector<std::string>;
 constexpr std::uint32_t kEmpty = 0xFFFFFFFF;
 
 // A file whose byte at n is n modulo 251. A null file stands for "must not be read".
-class BlockCache : public LookupBench {
+class BlockCache : public LookupFixture {
  protected:
   void build(std::uint32_t blockSize, std::int32_t entries, std::int32_t stage = 200) {
     Bytes bytes(4096);

@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "dbfiles/apiutil.h"
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 

@@ -1,6 +1,6 @@
 #include "base/memory.h"
 #include "dbfiles/apiutil.h"
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 

@@ -5,7 +5,7 @@
 
 #include "dbfiles/apiutil.h"
 #include "hash/namehash.h"
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 namespace {

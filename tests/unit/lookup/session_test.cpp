@@ -7,7 +7,7 @@
 #include <cerrno>
 
 #include "dbfiles/apiutil.h"
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 namespace {
@@ -18,7 +18,7 @@ class SessionTest : public SmallDatabase {
  protected:
   SessionTest() {
     word(RefControlRec::typeFlags.at, kTypeReference);
-    LookupBench::open();
+    LookupFixture::open();
     pProcObj = nullptr;  // as in a program that has only the session
     settings_.ref = path("city.dir");
   }

@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 

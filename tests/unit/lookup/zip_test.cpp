@@ -1,4 +1,4 @@
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 namespace statecut::test {
 

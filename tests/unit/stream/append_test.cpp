@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "base/stream.h"
+#include "support/files.h"
 
 namespace {
 
@@ -14,8 +12,7 @@ using namespace statecut;
 
 class Append : public ::testing::Test {
  protected:
-  Append() : folder_(std::filesystem::temp_directory_path() / "append-XXXXXX") {
-    folder_ = ::mkdtemp(folder_.data());
+  Append() {
     for (int i = 0; i < 300'000; ++i) bytes_ += static_cast<char>(i * 7 + i / 256);
     std::ofstream(path("source"), std::ios::binary) << bytes_;
     from_ = streamOpen(path("source").c_str(), "rb");
@@ -24,16 +21,14 @@ class Append : public ::testing::Test {
   ~Append() override {
     streamClose(from_);
     streamClose(to_);
-    std::filesystem::remove_all(folder_);
   }
-  [[nodiscard]] std::string path(const char* name) const { return folder_ + "/" + name; }
+  [[nodiscard]] std::string path(const char* name) const { return folder_.file(name); }
   std::string written() {
     EXPECT_EQ(streamFlush(to_), 0);
-    std::ifstream in(path("target"), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    return test::readTextFile(path("target"));
   }
 
-  std::string folder_;
+  test::TempDir folder_;
   std::string bytes_;
   Stream* from_ = nullptr;
   Stream* to_ = nullptr;

@@ -9,10 +9,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "support/files.h"
 
 namespace statecut {
 namespace {
@@ -21,14 +22,7 @@ namespace fs = std::filesystem;
 
 class StreamTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "streamXXXXXX").string();
-    ASSERT_NE(::mkdtemp(name.data()), nullptr);
-    folder_ = name;
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  std::string path(const std::string& name) const { return folder_.file(name); }
 
   std::string fileOf(std::size_t bytes) const {
     std::ofstream out(path("data"), std::ios::binary);
@@ -37,12 +31,7 @@ class StreamTest : public ::testing::Test {
   }
   static char byteAt(std::size_t i) { return static_cast<char>((i * 131 + i / 251) & 0xFF); }
 
-  static std::string contents(const std::string& name) {
-    std::ifstream in(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-
-  fs::path folder_;
+  test::TempDir folder_;
 };
 
 TEST_F(StreamTest, ReadsTheSameBytesInAnyPieces) {
@@ -99,7 +88,7 @@ TEST_F(StreamTest, WritesAndOverwritesTheStart) {
   EXPECT_EQ(streamWrite(stream, "HEAD", 4), 4U);
   EXPECT_EQ(streamClose(stream), 0);
   expected.replace(0, 4, "HEAD");
-  EXPECT_EQ(contents(path("out")), expected);
+  EXPECT_EQ(test::readTextFile(path("out")), expected);
 }
 
 TEST_F(StreamTest, AppendsToWhatIsThere) {
@@ -110,7 +99,7 @@ TEST_F(StreamTest, AppendsToWhatIsThere) {
     EXPECT_EQ(streamFlush(stream), 0);
     EXPECT_EQ(streamClose(stream), 0);
   }
-  EXPECT_EQ(contents(path("log")), "one\ntwo\n");
+  EXPECT_EQ(test::readTextFile(path("log")), "one\ntwo\n");
 }
 
 TEST_F(StreamTest, FullDeviceSetsTheErrorIndicatorAndKeepsIt) {
@@ -127,7 +116,7 @@ TEST_F(StreamTest, FullDeviceSetsTheErrorIndicatorAndKeepsIt) {
 }
 
 TEST_F(StreamTest, DirectoryOpensAndFailsAtTheRead) {
-  Stream* stream = streamOpen(folder_.c_str(), "rb");
+  Stream* stream = streamOpen(folder_.path().c_str(), "rb");
   ASSERT_NE(stream, nullptr);
   char byte = 0;
   EXPECT_EQ(streamRead(stream, &byte, 1), 0U);
@@ -215,7 +204,7 @@ TEST_F(StreamTest, OpenStreamsAreFlushedAtExit) {
         std::exit(0);
       },
       ::testing::ExitedWithCode(0), "");
-  EXPECT_EQ(contents(name), "late");
+  EXPECT_EQ(test::readTextFile(name), "late");
 }
 
 TEST_F(StreamTest, MissingFileGivesNullAndErrno) {

@@ -33,10 +33,10 @@ Pack cityName(std::uint32_t key, std::uint32_t value, std::string_view state,
               std::string_view name);
 Pack phonetic(std::string_view state, std::string_view code, std::uint32_t count);
 
-class LookupBench : public LogFixture {
+class LookupFixture : public LogFixture {
  protected:
-  LookupBench();
-  ~LookupBench() override;
+  LookupFixture();
+  ~LookupFixture() override;
 
   // Appends a table and stores its RBA in a word of the control record; its offset in the file.
   std::uint32_t table(std::size_t rbaWord, const Bytes& bytes);
@@ -66,8 +66,8 @@ class LookupBench : public LogFixture {
   std::vector<Named> names_;
 };
 
-// The bench with a handful of ZIPs, cities, streets and firms.
-class SmallDatabase : public LookupBench {
+// The fixture with a handful of ZIPs, cities, streets and firms.
+class SmallDatabase : public LookupFixture {
  protected:
   SmallDatabase();
 };

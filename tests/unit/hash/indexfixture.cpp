@@ -1,4 +1,4 @@
-#include "unit/hash/hashbench.h"
+#include "unit/hash/indexfixture.h"
 
 #include <algorithm>
 
@@ -6,9 +6,7 @@
 #include "base/memory.h"
 #include "hash/namehash.h"
 
-namespace hashbench {
-
-using namespace statecut;
+namespace statecut::test {
 
 std::uint32_t hashOf(std::string_view name, std::uint32_t type) {
   std::uint32_t hash = 0x811C9DC5u + type;
@@ -19,14 +17,14 @@ std::uint32_t hashOf(std::string_view name, std::uint32_t type) {
   return hash;
 }
 
-HashBench::HashBench() {
+IndexFixture::IndexFixture() {
   proc.files = &proc.fileRecord;
   proc.stats = &proc.statistics;
   proc.refControlRec = &record;
   pProcObj = &proc;
 }
 
-HashBench::~HashBench() {
+IndexFixture::~IndexFixture() {
   for (const SlotNumber slot :
        {kSlotFirms, kSlotStreetNames, kSlotCityNames, kSlotStreetStandards, kSlotStreetPhonetics,
         kSlotCityPhonetics, kSlotHashTable, kSlotHashOverflow}) {
@@ -36,13 +34,13 @@ HashBench::~HashBench() {
   pProcObj = nullptr;
 }
 
-void HashBench::setTable(SlotNumber slot, const Bytes& bytes) {
+void IndexFixture::setTable(SlotNumber slot, const Bytes& bytes) {
   freeTable(refPointers[slot].table);
   refPointers[slot].table = static_cast<unsigned char*>(allocTable(bytes.size()));
   std::copy(bytes.begin(), bytes.end(), refPointers[slot].table);
 }
 
-void HashBench::makeIndex(std::uint32_t slots, std::uint32_t overflow) {
+void IndexFixture::makeIndex(std::uint32_t slots, std::uint32_t overflow) {
   setTable(kSlotHashTable, Bytes(slots * 7));
   setTable(kSlotHashOverflow, Bytes(overflow * 6));
   record.set(RefControlRec::hashTableCount, slots);
@@ -50,43 +48,43 @@ void HashBench::makeIndex(std::uint32_t slots, std::uint32_t overflow) {
   refPointers[kSlotHashMask] = RefSlot{};
 }
 
-unsigned char* HashBench::slotBytes(std::uint32_t slot) {
+unsigned char* IndexFixture::slotBytes(std::uint32_t slot) {
   return refPointers[kSlotHashTable].table + slot * 7;
 }
 
-void HashBench::setSlot(std::uint32_t slot, std::uint32_t count, std::uint32_t check,
-                        std::uint32_t number) {
+void IndexFixture::setSlot(std::uint32_t slot, std::uint32_t count, std::uint32_t check,
+                           std::uint32_t number) {
   unsigned char* at = slotBytes(slot);
   le::put<1>(at, count);
   le::put<2>(at + 1, check);
   le::put<4>(at + 3, number);
 }
 
-void HashBench::setOverflow(std::uint32_t entry, std::uint32_t check, std::uint32_t number) {
+void IndexFixture::setOverflow(std::uint32_t entry, std::uint32_t check, std::uint32_t number) {
   unsigned char* at = refPointers[kSlotHashOverflow].table + entry * 6;
   le::put<2>(at, check);
   le::put<4>(at + 2, number);
 }
 
-std::uint32_t HashBench::slotOf(std::string_view name, std::uint32_t type) const {
+std::uint32_t IndexFixture::slotOf(std::string_view name, std::uint32_t type) const {
   return hashOf(name, type) & (record.get(RefControlRec::hashTableCount) - 1);
 }
 
-std::uint32_t HashBench::checkOf(std::string_view name, std::uint32_t type) const {
+std::uint32_t IndexFixture::checkOf(std::string_view name, std::uint32_t type) const {
   const std::uint32_t mask = record.get(RefControlRec::hashTableCount) - 1;
   return type | ((hashOf(name, type) & ~mask) >> 16);
 }
 
-void HashBench::plant(std::string_view name, std::uint32_t type, std::uint32_t number) {
+void IndexFixture::plant(std::string_view name, std::uint32_t type, std::uint32_t number) {
   setSlot(slotOf(name, type), 1, checkOf(name, type), number);
 }
 
-std::uint32_t HashBench::find(std::string_view name, std::uint32_t type) {
+std::uint32_t IndexFixture::find(std::string_view name, std::uint32_t type) {
   return dbHashFind(reinterpret_cast<const unsigned char*>(name.data()),
                     static_cast<std::int32_t>(name.size()), type, nullptr);
 }
 
-std::int32_t HashBench::zap(std::string_view name, std::uint32_t type, std::uint32_t number) {
+std::int32_t IndexFixture::zap(std::string_view name, std::uint32_t type, std::uint32_t number) {
   return zapHashedName(reinterpret_cast<const unsigned char*>(name.data()),
                        static_cast<std::int32_t>(name.size()), type, number);
 }
@@ -131,4 +129,4 @@ Bytes operator+(Bytes a, const Bytes& b) {
   return a;
 }
 
-}  // namespace hashbench
+}  // namespace statecut::test

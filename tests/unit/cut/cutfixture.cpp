@@ -1,20 +1,13 @@
-#include "unit/cut/cutbench.h"
+#include "unit/cut/cutfixture.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 
 #include "base/cmdline.h"
 #include "base/memory.h"
 #include "base/stream.h"
 #include "cut/openfiles.h"
 
-namespace cutbench {
-
-using namespace statecut;
+namespace statecut::test {
 
 namespace {
 
@@ -28,30 +21,17 @@ Block* keep(Block* block) {
 
 }  // namespace
 
-CutBench::CutBench() {
-  const char* base = std::getenv("TMPDIR");
-  folder_ = std::string(base == nullptr ? "/tmp" : base) + "/cutbenchXXXXXX";
-  if (::mkdtemp(folder_.data()) == nullptr) std::abort();
-  proc.files = &proc.fileRecord;
-  proc.stats = &proc.statistics;
-  proc.options = &options_;
-  proc.logLevel = 5;
+CutFixture::CutFixture() {
   proc.refControlRec = static_cast<RefControlRec*>(keep(allocTable(RefControlRec::size)));
   proc.rngControlRec = static_cast<RngControlRec*>(keep(allocTable(RngControlRec::size)));
-  proc.files->log = streamOpen(path("log").c_str(), "a+");
-  pProcObj = &proc;
   cmdLine = {};
   refPointers.fill(RefSlot{});
   forgetEarlierCut();
 }
 
-CutBench::~CutBench() {
-  keepTables();
-  streamClose(proc.files->log);
-  std::filesystem::remove_all(folder_);
-}
+CutFixture::~CutFixture() { keepTables(); }
 
-void CutBench::keepTables() {
+void CutFixture::keepTables() {
   for (const RefSlot& slot : refPointers) keep(slot.table);
   keep(proc.refControlRec);
   keep(proc.rngControlRec);
@@ -65,43 +45,38 @@ void CutBench::keepTables() {
   keep(cityPhNameMap);
 }
 
-void CutBench::writeFile(const std::string& name, std::span<const unsigned char> bytes) const {
-  std::ofstream out(path(name), std::ios::binary);
-  out.write(reinterpret_cast<const char*>(bytes.data()),
-            static_cast<std::streamsize>(bytes.size()));
-}
-
-Bytes CutBench::readFile(const std::string& name) const {
-  std::ifstream in(path(name), std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-void CutBench::openSources(std::span<const unsigned char> reference,
-                           std::span<const unsigned char> range) {
-  writeFile("source.ref", reference);
-  writeFile("source.rng", range);
+void CutFixture::openSources(std::span<const unsigned char> reference,
+                             std::span<const unsigned char> range) {
+  write("source.ref", {reference.begin(), reference.end()});
+  write("source.rng", {range.begin(), range.end()});
   proc.files->reference = streamOpen(path("source.ref").c_str(), "rb");
   proc.files->range = streamOpen(path("source.rng").c_str(), "rb");
 }
 
-void CutBench::openOutputs() {
+void CutFixture::openOutputs() {
   newRefDb = streamOpen(path("out.ref").c_str(), "wb");
   newRangeDb = streamOpen(path("out.rng").c_str(), "wb");
   totalBytes = 0;
   totalRngBytes = 0;
 }
 
-Bytes CutBench::writtenReference() {
+void CutFixture::start(const Bytes& source) {
+  source_ = source;
+  openSources(source, source);
+  openOutputs();
+}
+
+Bytes CutFixture::writtenReference() {
   streamFlush(newRefDb);
-  return readFile("out.ref");
+  return contents("out.ref");
 }
 
-Bytes CutBench::writtenRange() {
+Bytes CutFixture::writtenRange() {
   streamFlush(newRangeDb);
-  return readFile("out.rng");
+  return contents("out.rng");
 }
 
-void CutBench::setStates(const std::vector<std::string>& states) {
+void CutFixture::setStates(const std::vector<std::string>& states) {
   cmdLine.stateCount = 0;
   for (const std::string& state : states) {
     char* to = cmdLine.states[cmdLine.stateCount++];
@@ -111,8 +86,9 @@ void CutBench::setStates(const std::vector<std::string>& states) {
   }
 }
 
-void CutBench::setNames(const std::string& ref, const std::string& range, const std::string& refOut,
-                        const std::string& rangeOut, const std::string& stateFile) {
+void CutFixture::setNames(const std::string& ref, const std::string& range,
+                          const std::string& refOut, const std::string& rangeOut,
+                          const std::string& stateFile) {
   const std::string* given[] = {&ref, &range, &refOut, &rangeOut, &stateFile};
   char** fields[] = {&cmdLine.refDb, &cmdLine.rangeDb, &cmdLine.refOut, &cmdLine.rangeOut,
                      &cmdLine.stateFile};
@@ -122,34 +98,17 @@ void CutBench::setNames(const std::string& ref, const std::string& range, const 
   }
 }
 
-std::vector<std::string> CutBench::log() {
-  std::ifstream in(path("log"));
-  std::vector<std::string> records;
-  for (std::string line; std::getline(in, line);) {
-    std::istringstream fields(line);
-    std::string time, severity, site, process, rest;
-    std::getline(fields, time, ';');
-    std::getline(fields, severity, ';');
-    std::getline(fields, site, ';');
-    std::getline(fields, process, ';');
-    std::getline(fields, rest);
-    records.push_back(severity + ";" + site + ";" + rest);
-  }
-  std::filesystem::resize_file(path("log"), 0);
-  return records;
-}
-
-void* CutBench::makeBlock(SlotNumber slot, std::size_t bytes) {
+void* CutFixture::makeBlock(SlotNumber slot, std::size_t bytes) {
   void* block = keep(allocTable(bytes));
   refPointers[slot].table = static_cast<unsigned char*>(block);
   return block;
 }
 
-void CutBench::makeZipIndex() {
+void CutFixture::makeZipIndex() {
   scZipCodeIndex = static_cast<ZipIndexRow*>(keep(allocTable(kZipIndexBytes)));
 }
 
-void CutBench::select(std::uint32_t zip, std::uint32_t key) {
+void CutFixture::select(std::uint32_t zip, std::uint32_t key) {
   scZipCodeIndex[zip].set(ZipIndexRow::zipKey, key);
 }
 
@@ -169,4 +128,4 @@ Bytes slice(const Bytes& bytes, std::size_t at, std::size_t count) {
   return {first, first + static_cast<std::ptrdiff_t>(std::min(count, bytes.size() - at))};
 }
 
-}  // namespace cutbench
+}  // namespace statecut::test

@@ -12,17 +12,17 @@
 #include "dbfiles/controlrec.h"
 #include "tables/refpointers.h"
 
-namespace hashbench {
+namespace statecut::test {
 
 using Bytes = std::vector<unsigned char>;
 
 // The hash by its definition, written apart from the product's.
 std::uint32_t hashOf(std::string_view name, std::uint32_t type);
 
-class HashBench : public ::testing::Test {
+class IndexFixture : public ::testing::Test {
  protected:
-  HashBench();
-  ~HashBench() override;
+  IndexFixture();
+  ~IndexFixture() override;
 
   // Makes an index of `slots` slots (a power of two) and `overflow` overflow entries, all empty.
   void makeIndex(std::uint32_t slots, std::uint32_t overflow = 0);
@@ -36,11 +36,11 @@ class HashBench : public ::testing::Test {
   std::uint32_t find(std::string_view name, std::uint32_t type);
   std::int32_t zap(std::string_view name, std::uint32_t type, std::uint32_t number);
 
-  void setTable(statecut::SlotNumber slot, const Bytes& bytes);
+  void setTable(SlotNumber slot, const Bytes& bytes);
   unsigned char* slotBytes(std::uint32_t slot);
 
-  statecut::ProcObj proc{};
-  statecut::RefControlRec record{};
+  ProcObj proc{};
+  RefControlRec record{};
 };
 
 // Table contents.
@@ -50,4 +50,4 @@ Bytes cityRecord(std::string_view state, std::string_view name);
 Bytes phoneticRecord(std::string_view state, std::string_view key);
 Bytes operator+(Bytes a, const Bytes& b);
 
-}  // namespace hashbench
+}  // namespace statecut::test

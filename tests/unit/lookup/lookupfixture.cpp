@@ -1,4 +1,4 @@
-#include "lookupbench.h"
+#include "lookupfixture.h"
 
 #include <algorithm>
 
@@ -51,7 +51,7 @@ Pack phonetic(std::string_view state, std::string_view code, std::uint32_t count
   return Pack().zeros(2).text(state, 2).text(code, 20).number(count, 1).number(length, 1);
 }
 
-LookupBench::LookupBench() {
+LookupFixture::LookupFixture() {
   emptySlots();
   dbGetZipIndex = nullptr;
   dbFindCity = nullptr;
@@ -62,24 +62,24 @@ LookupBench::LookupBench() {
   streetStdVariation = {};
 }
 
-LookupBench::~LookupBench() {
+LookupFixture::~LookupFixture() {
   chFreeStageBuffer();
   chFreeCache(&block_.refCache);
   emptySlots();
 }
 
-std::uint32_t LookupBench::table(std::size_t rbaWord, const Bytes& bytes) {
+std::uint32_t LookupFixture::table(std::size_t rbaWord, const Bytes& bytes) {
   const auto rba = static_cast<std::uint32_t>(file_.size());
   word(rbaWord, rba);
   file_.insert(file_.end(), bytes.begin(), bytes.end());
   return rba;
 }
 
-void LookupBench::named(std::string_view key, std::uint32_t type, std::uint32_t number) {
+void LookupFixture::named(std::string_view key, std::uint32_t type, std::uint32_t number) {
   names_.push_back({std::string(key), type, number});
 }
 
-void LookupBench::writeIndex() {
+void LookupFixture::writeIndex() {
   Pack slots;
   Pack overflow;
   std::uint32_t overflowed = 0;
@@ -106,7 +106,7 @@ void LookupBench::writeIndex() {
   word(RefControlRec::hashOverflowCount.at, overflowed);
 }
 
-void LookupBench::open(const std::string& name) {
+void LookupFixture::open(const std::string& name) {
   writeIndex();
   proc_.files->reference = holding(file_, name);
   if (proc_.refControlRec == nullptr)
@@ -114,7 +114,7 @@ void LookupBench::open(const std::string& name) {
   std::copy_n(file_.begin(), RefControlRec::size, proc_.refControlRec->bytes.begin());
 }
 
-void LookupBench::load() {
+void LookupFixture::load() {
   for (TableReader* reader :
        {dbReadCityData, dbReadCityNames, dbReadCityPhonetics, dbReadZipData, dbReadMultiZipTable,
         dbReadStreetNames, dbReadStreetPhonetics, dbReadStreetStndrdzd, dbReadFirmNames,
@@ -123,14 +123,14 @@ void LookupBench::load() {
   records();
 }
 
-void LookupBench::buildCache(std::uint32_t blockSize, std::int32_t entries) {
+void LookupFixture::buildCache(std::uint32_t blockSize, std::int32_t entries) {
   proc_.cache = &block_;
   chFreeCache(&block_.refCache);
   block_.refCache = chConstructCache(blockSize, entries);
   ASSERT_NE(block_.refCache, nullptr);
 }
 
-void LookupBench::emptySlots() {
+void LookupFixture::emptySlots() {
   for (std::size_t slot = 0; slot < kSlotCount; ++slot) {
     const bool pointer = slot != kSlotHashMask && slot != kSlotMilitaryHeader &&
                          slot != kSlotMilitarySecond && slot != kSlotPobZoneCount;

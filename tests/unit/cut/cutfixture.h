@@ -1,5 +1,6 @@
 #pragma once
-// A cut's surroundings: a folder, a level-5 log, control records and tables written by hand.
+// A cut's surroundings: a folder and a log as every log fixture has, control records and tables
+// written by hand.
 
 #include <gtest/gtest.h>
 
@@ -12,61 +13,56 @@
 #include "base/procobj.h"
 #include "cut/workstate.h"
 #include "dbfiles/controlrec.h"
+#include "support/logfixture.h"
 #include "tables/refpointers.h"
 
-namespace cutbench {
+namespace statecut::test {
 
-using Bytes = std::vector<unsigned char>;
-
-class CutBench : public ::testing::Test {
+class CutFixture : public LogFixture {
  protected:
-  CutBench();
-  ~CutBench() override;
+  CutFixture();
+  ~CutFixture() override;
 
   // To be called before tables are made again: a cut that does not finish releases nothing, and
   // what it held must stay reachable.
   void keepTables();
-  [[nodiscard]] std::string path(const std::string& name) const { return folder_ + "/" + name; }
-  void writeFile(const std::string& name, std::span<const unsigned char> bytes) const;
-  [[nodiscard]] Bytes readFile(const std::string& name) const;
+
+  std::vector<std::string> log() { return recordsWithLines(); }
 
   // Opens files of the folder as the streams that a running cut has.
   void openSources(std::span<const unsigned char> reference, std::span<const unsigned char> range);
   void openOutputs();
-  Bytes writtenReference();  // what the outputs hold by now
+  void start(const Bytes& source);  // both databases are `source`, nothing is written yet
+  Bytes writtenReference();         // what the outputs hold by now
   Bytes writtenRange();
 
   void setStates(const std::vector<std::string>& states);
   void setNames(const std::string& ref, const std::string& range, const std::string& refOut,
                 const std::string& rangeOut, const std::string& stateFile = "");
 
-  // The records since the last call: "SEV;source:line;reason;title;text".
-  std::vector<std::string> log();
-
   // A zero-filled table of `count` rows in a slot; the control record's count is the caller's.
   template <typename RowType>
-  RowType* makeTable(statecut::SlotNumber slot, std::size_t count) {
+  RowType* makeTable(SlotNumber slot, std::size_t count) {
     return static_cast<RowType*>(makeBlock(slot, count * RowType::size));
   }
   template <std::size_t At>
-  void setWord(statecut::Num<At, 4> field, std::uint32_t value) {
+  void setWord(Num<At, 4> field, std::uint32_t value) {
     proc.refControlRec->set(field, value);
   }
   template <std::size_t At>
-  std::uint32_t word(statecut::Num<At, 4> field) const {
+  std::uint32_t word(Num<At, 4> field) const {
     return proc.refControlRec->get(field);
   }
 
   void makeZipIndex();
   void select(std::uint32_t zip, std::uint32_t key);
 
-  statecut::ProcObj proc{};
+  ProcObj& proc = proc_;
+  Bytes source_;  // of start
 
  private:
-  void* makeBlock(statecut::SlotNumber slot, std::size_t bytes);
+  void* makeBlock(SlotNumber slot, std::size_t bytes);
 
-  std::string folder_;
-  statecut::OptionsRecord options_{};
   std::string names_[5];
 };
 
@@ -80,4 +76,4 @@ void setText(std::span<unsigned char, N> to, std::string_view text) {
     to[i] = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
 }
 
-}  // namespace cutbench
+}  // namespace statecut::test
