@@ -70,8 +70,8 @@ class CutFaults : public testing::TestWithParam<std::tuple<int, FaultKind>> {
     return plan.mode == FaultMode::kForGood || plan.mode == FaultMode::kNothingForGood;
   }
 
-  // The one failure that leaves no record, which is meant: the range output, the last file of a
-  // run, cannot be opened, or there is no memory for its stream, the last object of such a run.
+  // Deliberate: one failure leaves no record. The range output, the last file of a run, cannot be
+  // opened, or there is no memory for its stream, the last object of such a run.
   static bool rangeOutputFailed(const FaultPlan& plan, const CutRun& right, const CutRun& run) {
     if (run.opened != right.opened) return false;
     if (plan.kind == FaultKind::kOpen) return plan.n == right.opened && !run.rng;
@@ -79,8 +79,8 @@ class CutFaults : public testing::TestWithParam<std::tuple<int, FaultKind>> {
            (run.allocated == plan.n || isForGood(plan));
   }
 
-  // Six tables that lookups can do without are reported as warnings when there is no memory for
-  // them, also to a cut, which needs them; that is meant. Below level 3 nothing shows them.
+  // Deliberate: six tables that lookups can do without are reported as warnings when there is no
+  // memory for them, also to a cut, which needs them. Below level 3 nothing shows them.
   bool isWarned(const FaultPlan& plan, const CutRun& run) const {
     if (plan.kind != FaultKind::kAllocate) return false;
     return subject_.level < 3 ||

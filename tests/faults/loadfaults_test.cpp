@@ -138,8 +138,8 @@ bool isRightAsFarAsRead(const FileBytes& got, const FileBytes& right) {
   return std::all_of(differs, got.end(), [](auto byte) { return byte == 0; });
 }
 
-// Where the file ends early a read counts as complete, and what it should have brought stays zero;
-// that is meant, the stream tells.
+// Deliberate: where the file ends early a read counts as complete, what it should have brought
+// stays zero, and the stream tells.
 void expectSound(const FaultPlan& plan, const Load& got, const Load& right) {
   EXPECT_TRUE(got.code == 0 || got.code == kNotOpened || (got.code <= -1 && got.code >= -20))
       << got.code;

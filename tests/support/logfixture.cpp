@@ -5,17 +5,53 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <regex>
+#include <optional>
 #include <sstream>
+#include <string_view>
 
 #include "base/le.h"
 #include "base/memory.h"
 #include "log/utllgmsg.h"
 
 namespace statecut::test {
+
+namespace {
+
+// Whether the text looks like the shape: '0' stands for a digit.
+bool looksLike(std::string_view text, std::string_view shape) {
+  return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](char c, char like) {
+    return like == '0' ? std::isdigit(static_cast<unsigned char>(c)) != 0 : c == like;
+  });
+}
+
+bool isNumber(std::string_view text) {
+  return looksLike(text, std::string(std::max<std::size_t>(text.size(), 1), '0'));
+}
+
+// "01/31/26 23:59.59;ERR;dbaccess:0123;42;20002;text" as "ERR;dbaccess;20002;text", or with the
+// line behind the source; none: the line begins no record.
+std::optional<std::string> recordOf(const std::string& line, bool withLines) {
+  std::array<std::string, 4> field;  // time, severity, source and line, count
+  std::istringstream in(line);
+  for (std::string& each : field)
+    if (!std::getline(in, each, ';')) return {};
+  std::string rest;  // the number of the message, its text
+  std::getline(in, rest);
+  const auto& [time, severity, place, count] = field;
+  const std::size_t colon = place.find(':');
+  if (!looksLike(time, "00/00/00 00:00.00") || !isNumber(count) || colon == std::string::npos ||
+      !isNumber(std::string_view(place).substr(colon + 1)) || place.size() - colon < 5 ||
+      !isNumber(rest.substr(0, rest.find(';'))) || rest.find(';') == std::string::npos)
+    return {};
+  return severity + ';' + (withLines ? place : place.substr(0, colon)) + ';' + rest;
+}
+
+}  // namespace
 
 Bytes bytesWith(std::size_t count, const Words& words) {
   Bytes bytes(count);
@@ -88,18 +124,15 @@ Bytes LogFixture::contents(const std::string& name) const {
   return Bytes(std::istreambuf_iterator<char>(file), {});
 }
 
-std::vector<std::string> LogFixture::recordsAs(const char* format) {
-  static const std::regex kRecord(
-      R"(\d\d/\d\d/\d\d \d\d:\d\d\.\d\d;([A-Z]*);(\w*):(\d{4,});\d+;(\d+;.*))");
+std::vector<std::string> LogFixture::recordsOf(bool withLines) {
   const Bytes log = contents("log");
   std::istringstream lines(
       std::string(log.begin() + static_cast<std::ptrdiff_t>(seen_), log.end()));
   seen_ = log.size();
   std::vector<std::string> found;
   for (std::string line; std::getline(lines, line);) {
-    std::smatch fields;
-    if (std::regex_match(line, fields, kRecord)) {
-      found.push_back(fields.format(format));
+    if (const std::optional<std::string> record = recordOf(line, withLines)) {
+      found.push_back(*record);
     } else if (!found.empty()) {
       found.back() += "\n" + line;
     } else {

@@ -47,16 +47,15 @@ class LogFixture : public ::testing::Test {
 
   // The records since the last call, as "ERR;dbaccess;20002;DB Seek Error;rba=1, Illegal seek":
   // date, line and process id dropped, and the last new line.
-  std::vector<std::string> records() { return recordsAs("$1;$2;$4"); }
+  std::vector<std::string> records() { return recordsOf(false); }
   // The same with the line: "ERR;dbaccess:0123;20002;DB Seek Error;rba=1, Illegal seek".
-  std::vector<std::string> recordsWithLines() { return recordsAs("$1;$2:$3;$4"); }
+  std::vector<std::string> recordsWithLines() { return recordsOf(true); }
 
   ProcObj proc_{};
   OptionsRecord options_{};
 
  private:
-  // By a format of the fields severity, source, line and the rest.
-  std::vector<std::string> recordsAs(const char* format);
+  std::vector<std::string> recordsOf(bool withLines);
 
   TempDir folder_;
   std::size_t seen_ = 0;  // bytes of the log already handed out

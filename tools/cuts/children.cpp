@@ -23,16 +23,6 @@ constexpr int kNotStarted = 127;
 // A file in memory, which takes any amount and is read when the child has ended.
 Descriptor memoryFile(const char* name) { return Descriptor(::memfd_create(name, MFD_CLOEXEC)); }
 
-bool writeAll(int fd, const std::string& text) {
-  std::size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t wrote = ::write(fd, text.data() + done, text.size() - done);
-    if (wrote < 0 && errno != EINTR) return false;
-    if (wrote > 0) done += static_cast<std::size_t>(wrote);
-  }
-  return true;
-}
-
 void becomeChild(pid_t parent) {
   (void)::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) ::_exit(kNotStarted);  // it died in between

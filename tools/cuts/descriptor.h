@@ -3,6 +3,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <string_view>
 #include <utility>
 
 namespace statecut::cuts {
@@ -30,5 +32,15 @@ class Descriptor {
  private:
   int value_ = -1;
 };
+
+// Writes all of the text, in as many steps as it takes; false, with errno, when one fails.
+inline bool writeAll(int fd, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t wrote = ::write(fd, text.data(), text.size());
+    if (wrote < 0 && errno != EINTR) return false;
+    if (wrote > 0) text.remove_prefix(static_cast<std::size_t>(wrote));
+  }
+  return true;
+}
 
 }  // namespace statecut::cuts

@@ -19,16 +19,6 @@ bool failed(const std::string& path, std::string& error) {
   return false;
 }
 
-bool writeWhole(int fd, const std::string& text) {
-  std::size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t wrote = ::write(fd, text.data() + done, text.size() - done);
-    if (wrote < 0 && errno != EINTR) return false;
-    if (wrote > 0) done += static_cast<std::size_t>(wrote);
-  }
-  return true;
-}
-
 }  // namespace
 
 bool flush(const std::string& path, std::string& error) {
@@ -48,7 +38,7 @@ bool replaceFile(const std::string& folder, const std::string& name, const std::
   const std::string part = folder + "/." + name + ".part";
   Descriptor fd(::open(part.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
   if (!fd) return failed(part, error);
-  if (!writeWhole(fd.get(), text) || ::fsync(fd.get()) != 0 ||
+  if (!writeAll(fd.get(), text) || ::fsync(fd.get()) != 0 ||
       ::rename(part.c_str(), path.c_str()) != 0) {
     failed(path, error);
     ::unlink(part.c_str());

@@ -48,7 +48,8 @@ bool replaceable(const std::string& path, std::string& error) {
        entry.increment(code)) {
     const std::string name = entry->path().filename().string();
     if (name == kReferenceName || name == kRangeName || name == kLogName) continue;
-    error = path + ": holds what is no product's: " + name;
+    error = path;
+    error.append(": holds what is no product's: ").append(name);
     return false;
   }
   if (code) error = path + ": " + code.message();

@@ -4,8 +4,10 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <initializer_list>
 #include <optional>
 #include <set>
+#include <string_view>
 
 #include "cuts/names.h"
 #include "plan/plan.h"
@@ -29,19 +31,20 @@ class Adder {
  public:
   // `place` begins each problem: "--product" or "FILE:12".
   void add(const std::string& place, const std::string& name, const std::string& states) {
-    const auto problem = [&](const std::string& what) {
-      list_.problems.push_back(place + ": " + what);
-    };
-    if (!isProductName(name)) return problem("no name for a folder: \"" + name + "\"");
-    if (!names_.insert(name).second) return problem(name + " stands there twice");
+    if (!isProductName(name)) return problem({place, ": no name for a folder: \"", name, "\""});
+    if (!names_.insert(name).second) return problem({place, ": ", name, " stands there twice"});
     const auto parsed = verify::parseStates(states);
-    if (!parsed) return problem(name + ": no list of two-letter states: \"" + states + "\"");
+    if (!parsed)
+      return problem({place, ": ", name, ": no list of two-letter states: \"", states, "\""});
     for (const std::string& state : *parsed)
-      if (!plan::isState(state)) problem(name + ": no such state: " + state);
+      if (!plan::isState(state)) problem({place, ": ", name, ": no such state: ", state});
     list_.products.push_back({name, *parsed});
   }
 
-  void problem(const std::string& text) { list_.problems.push_back(text); }
+  void problem(std::initializer_list<std::string_view> pieces) {
+    std::string& text = list_.problems.emplace_back();
+    for (const std::string_view piece : pieces) text += piece;
+  }
   ProductList take() { return std::move(list_); }
 
  private:
@@ -56,7 +59,7 @@ ProductList parseProducts(const std::vector<std::string>& words) {
   for (const std::string& word : words) {
     const std::size_t sign = word.find('=');
     if (sign == std::string::npos)
-      adder.problem("--product: not NAME=STATES: \"" + word + "\"");
+      adder.problem({"--product: not NAME=STATES: \"", word, "\""});
     else
       adder.add("--product", trimmed(word.substr(0, sign)), word.substr(sign + 1));
   }
@@ -69,17 +72,18 @@ ProductList readProducts(const std::string& path) {
   std::string line;
   std::size_t number = 0;
   while (std::getline(in, line)) {
-    const std::string place = path + ":" + std::to_string(++number);
+    std::string place = path;
+    place.append(":").append(std::to_string(++number));
     const std::string text = trimmed(line.substr(0, line.find('#')));
     if (text.empty()) continue;
     const std::size_t sign = text.find(':');
     if (sign == std::string::npos)
-      adder.problem(place + ": not NAME: STATES: \"" + text + "\"");
+      adder.problem({place, ": not NAME: STATES: \"", text, "\""});
     else
       adder.add(place, trimmed(text.substr(0, sign)), trimmed(text.substr(sign + 1)));
   }
   // A folder opens, and fails at its first line.
-  if (in.bad() || (number == 0 && !in.eof())) adder.problem(path + ": " + std::strerror(errno));
+  if (in.bad() || (number == 0 && !in.eof())) adder.problem({path, ": ", std::strerror(errno)});
   return adder.take();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
-// One answer line: a JSON object written straight to text. Texts are bytes, one character each,
-// U+0000 to U+00FF.
+// One answer line: a JSON object written straight to text. A tree of the JSON library takes about
+// 1 microsecond a line, as much as reading a request, its lookup and its answer together do. Texts
+// are bytes, one character each, U+0000 to U+00FF.
 
 #include <cstddef>
 #include <cstdint>

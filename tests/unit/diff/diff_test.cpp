@@ -10,13 +10,17 @@
 
 #include "dbbuilder/profiles.h"
 #include "knownchanges.h"
+#include "support/counts.h"
 #include "support/paths.h"
 #include "support/randomdb.h"
 
 namespace statecut::test {
 namespace {
 
-constexpr std::uint64_t kSeeds = 60;
+// The quick tier takes a sample: unoptimised and sanitized, a comparison costs a tenth of a second.
+const std::uint64_t kSeeds = longRun() ? 60 : 10;
+const std::uint64_t kOddSeeds = longRun() ? 400 : 60;
+const std::uint64_t kCutSeeds = longRun() ? 20 : 5;
 
 class Diff : public testing::Test {
  protected:
@@ -93,7 +97,7 @@ TEST_F(Diff, OfAReleaseAndItselfIsNothing) {
 
 TEST_F(Diff, OfAnOddReleaseAndItselfIsNothing) {
   std::size_t compared = 0;
-  for (std::uint64_t seed = 0; seed < 400; ++seed) {
+  for (std::uint64_t seed = 0; seed < kOddSeeds; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const RandomCase made = makeRandomCase(seed);
     if (!made.ref || !made.rng) continue;
@@ -105,11 +109,11 @@ TEST_F(Diff, OfAnOddReleaseAndItselfIsNothing) {
     ++compared;
     EXPECT_EQ(result.out.find("\n\n"), std::string::npos) << result.out;
   }
-  EXPECT_GT(compared, 100U);
+  EXPECT_GT(compared, kOddSeeds / 4);
 }
 
 TEST_F(Diff, OfCutsFindsWhatThoseOfTheirSourcesHave) {
-  for (std::uint64_t seed = 0; seed < 20; ++seed) {
+  for (std::uint64_t seed = 0; seed < kCutSeeds; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const KnownPair pair = makeKnownPair(seed);
     writeRelease(folder_, "old", pair.before);
@@ -126,7 +130,7 @@ TEST_F(Diff, OfCutsFindsWhatThoseOfTheirSourcesHave) {
 TEST_F(Diff, OfACutAndItsSourceIsNothingInTheStatesOfTheCut) {
   diff::Options options;
   options.states = "GA,PR";
-  for (std::uint64_t seed = 0; seed < 20; ++seed) {
+  for (std::uint64_t seed = 0; seed < kCutSeeds; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     writeRelease(folder_, "old", builder::makeModel(builder::smallPlaces(), [&] {
                    auto made = builder::smallOptions();
