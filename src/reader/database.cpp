@@ -90,6 +90,23 @@ std::vector<std::string> Database::states() const {
   return states;
 }
 
+const std::string& Database::referenceFile() const noexcept { return loaded_->file; }
+
+const RefControlRec& Database::referenceRecord() const noexcept { return *loaded_->view.record; }
+
+const std::string& Database::rangeFile() const noexcept { return loaded_->range; }
+
+const RngControlRec* Database::rangeRecord() const noexcept {
+  return loaded_->range.empty() ? nullptr : &loaded_->rangeRecord;
+}
+
+std::uint64_t Database::rangeFileBytes() const noexcept { return loaded_->rangeBytes; }
+
+std::uint64_t Database::offsetOf(const void* given) const noexcept {
+  return static_cast<std::uint64_t>(static_cast<const unsigned char*>(given) -
+                                    loaded_->bytes.data());
+}
+
 bool Database::indexNames() const noexcept {
   if (loaded_->names.get() != nullptr) return true;
   std::unique_ptr<NameIndexes> made(new (std::nothrow) NameIndexes);

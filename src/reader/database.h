@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../dbfiles/controlrec.h"
 #include "../reader/error.h"
 #include "../reader/records.h"
 
@@ -53,6 +54,15 @@ class Database {
   [[nodiscard]] std::optional<std::uint32_t> cutTime() const noexcept;  // none: not a cut
   // The states of the city names, sorted; of a cut, its states.
   [[nodiscard]] std::vector<std::string> states() const;
+  // The names and the control records of the files as they were opened, for who reports on them. Of
+  // the range file: empty, null and 0 without one.
+  [[nodiscard]] const std::string& referenceFile() const noexcept;
+  [[nodiscard]] const RefControlRec& referenceRecord() const noexcept;
+  [[nodiscard]] const std::string& rangeFile() const noexcept;
+  [[nodiscard]] const RngControlRec* rangeRecord() const noexcept;
+  [[nodiscard]] std::uint64_t rangeFileBytes() const noexcept;
+  // Where in the reference file a record or a name stands that a lookup gave.
+  [[nodiscard]] std::uint64_t offsetOf(const void* given) const noexcept;
 
   // ZIP codes, by code (1 to 99999) and by key.
   [[nodiscard]] Zip zip(std::uint32_t code) const noexcept;
@@ -108,6 +118,9 @@ class Database {
   struct PatternCursor;
   struct NameCursor;
   struct VariationCursor;
+  struct PhoneticCursor;
+  struct VariationNameCursor;
+  struct ServedStreetCursor;
 
   // The names of a state that fit a pattern, in their order: "SAN" and "SAN*" begin with SAN,
   // "*SAN" ends with it, "*SAN*" holds it. Nothing fits another pattern.
@@ -118,12 +131,21 @@ class Database {
   [[nodiscard]] Walk<VariationCursor> variations(
       VariationKind kind, std::string_view name,
       std::optional<std::uint16_t> scf = std::nullopt) const noexcept;
+  // The same with what the file holds of them: the variation of a name, and its streets with their
+  // SCFs.
+  [[nodiscard]] Variation findVariation(VariationKind kind, std::string_view name) const noexcept;
+  [[nodiscard]] Walk<ServedStreetCursor> streetsOf(const Variation& variation) const noexcept;
+  [[nodiscard]] ServedStreetCursor streetCursor(const Variation& variation) const noexcept;
 
-  // Whole tables: ZIP codes ascending, city names by state and name, streets and firms.
+  // Whole tables: ZIP codes ascending, city names by state and name, phonetic keys, streets, firms
+  // and variations.
   [[nodiscard]] Walk<ZipCursor> zips() const noexcept;
   [[nodiscard]] Walk<CityCursor> cityNames() const noexcept;
   [[nodiscard]] Walk<NameCursor> streets() const noexcept;
   [[nodiscard]] Walk<NameCursor> firms() const noexcept;
+  [[nodiscard]] Walk<PhoneticCursor> phonetics() const noexcept;
+  [[nodiscard]] Walk<VariationNameCursor> variationNames(VariationKind kind) const noexcept;
+  [[nodiscard]] VariationNameCursor variationCursor(VariationKind kind) const noexcept;
 
   // One answer for each question, as the single lookups give it, with cache misses that overlap.
   // As many as both spans hold.
@@ -196,6 +218,31 @@ struct Database::VariationCursor {
   std::span<const unsigned char> streets;  // the rest of an ambiguous list
   std::uint32_t left = 0;                  // its entries
   std::optional<std::uint16_t> scf;
+};
+
+struct Database::PhoneticCursor {
+  using Item = CityPhonetic;
+  bool next(CityPhonetic& item) noexcept;
+  const Loaded* loaded = nullptr;
+  std::uint32_t key = 0;
+};
+
+// Ends with a name that its table does not hold wholly: `at` is then where that begins.
+struct Database::VariationNameCursor {
+  using Item = Variation;
+  bool next(Variation& item) noexcept;
+  std::span<const unsigned char> table;
+  VariationKind kind = VariationKind::kPhonetic;
+  std::uint64_t at = 0;
+};
+
+// Ends with an entry that the table does not hold wholly: `left` entries are missing then.
+struct Database::ServedStreetCursor {
+  using Item = ServedStreet;
+  bool next(ServedStreet& item) noexcept;
+  std::optional<std::uint32_t> single;  // the only street
+  std::span<const unsigned char> rest;
+  std::uint32_t left = 0;
 };
 
 }  // namespace v1

@@ -97,6 +97,17 @@ Walk<Database::CityCursor> Database::cityNames() const noexcept {
   return Walk<CityCursor>({loaded_.get(), 1});
 }
 
+bool Database::PhoneticCursor::next(CityPhonetic& item) noexcept {
+  if (loaded == nullptr) return false;
+  item = {key, memory::cityPhoneticAt(loaded->view, static_cast<std::int32_t>(key))};
+  ++key;
+  return item.row != nullptr;
+}
+
+Walk<Database::PhoneticCursor> Database::phonetics() const noexcept {
+  return Walk<PhoneticCursor>({loaded_.get(), 1});
+}
+
 bool Database::PatternCursor::next(CityName& item) noexcept {
   if (loaded == nullptr || match == Match::kNothing) return false;
   const std::string_view wanted(text.data(), length);

@@ -1,5 +1,7 @@
 // Streets, their variations, and firms.
 
+#include <algorithm>
+
 #include "hash/namehash.h"
 #include "lookup/inmemory.h"
 #include "reader/loaded.h"
@@ -9,6 +11,8 @@ namespace statecut {
 using Ref = RefControlRec;
 
 namespace {
+
+constexpr std::uint32_t kVariationLength = 0x7F;  // of a flag: the rest tells what the value is
 
 // The packed name at an offset, cut at the end of its table. A negative length is none.
 std::optional<std::string_view> packedName(std::span<const unsigned char> names,
@@ -29,6 +33,31 @@ std::span<const unsigned char> streetTable(const TableView& view) {
 }
 std::span<const unsigned char> firmTable(const TableView& view) {
   return table(view, kSlotFirms, view.word(Ref::firmsBytes));
+}
+
+std::span<const unsigned char> variationTable(const TableView& view, VariationKind kind) {
+  return kind == VariationKind::kPhonetic
+             ? table(view, kSlotStreetPhonetics, view.word(Ref::streetPhoneticsBytes))
+             : table(view, kSlotStreetStandards, view.word(Ref::streetStandardsBytes));
+}
+std::span<const unsigned char> listTable(const TableView& view, VariationKind kind) {
+  return kind == VariationKind::kPhonetic
+             ? table(view, kSlotStreetPhoneticAmb, view.word(Ref::streetPhoneticAmbDataBytes))
+             : table(view, kSlotStreetStandardAmb, view.word(Ref::streetStandardAmbDataBytes));
+}
+
+// The entry at a number that a search gave, or none. Its name ends with the table.
+Variation variationAt(const TableView& view, VariationKind kind, std::int32_t found) {
+  const auto entries = variationTable(view, kind);
+  const VariationRow* row = memory::variationAt(entries, found);
+  if (row == nullptr) return {};
+  const auto key = static_cast<std::uint32_t>(found);
+  const std::size_t there = entries.size() - key - VariationRow::size;
+  const std::size_t length = row->get(VariationRow::flag) & kVariationLength;
+  return {kind,
+          key,
+          {reinterpret_cast<const char*>(row) + VariationRow::size, std::min(length, there)},
+          row};
 }
 
 // The name that was found is that at its number.
@@ -83,25 +112,23 @@ Walk<Database::NameCursor> Database::firms() const noexcept {
   return Walk<NameCursor>({firmTable(loaded_->view), 0});
 }
 
+Variation Database::findVariation(VariationKind kind, std::string_view name) const noexcept {
+  constexpr std::int32_t kLongest = memory::kLongestStreet;
+  const std::int32_t found =
+      loaded_->find(kind == VariationKind::kPhonetic ? kStreetPhonetics : kStreetStandards,
+                    name.data(), lengthOf(name, kLongest), kLongest);
+  return variationAt(loaded_->view, kind, found);
+}
+
 Walk<Database::VariationCursor> Database::variations(
     VariationKind kind, std::string_view name, std::optional<std::uint16_t> scf) const noexcept {
-  constexpr std::int32_t kLongest = memory::kLongestStreet;
-  const TableView& view = loaded_->view;
-  const bool phonetic = kind == VariationKind::kPhonetic;
   VariationCursor cursor;
   cursor.scf = scf;
-  const std::int32_t found = loaded_->find(phonetic ? kStreetPhonetics : kStreetStandards,
-                                           name.data(), lengthOf(name, kLongest), kLongest);
-  const auto index = phonetic
-                         ? table(view, kSlotStreetPhonetics, view.word(Ref::streetPhoneticsBytes))
-                         : table(view, kSlotStreetStandards, view.word(Ref::streetStandardsBytes));
-  const auto lists =
-      phonetic ? table(view, kSlotStreetPhoneticAmb, view.word(Ref::streetPhoneticAmbDataBytes))
-               : table(view, kSlotStreetStandardAmb, view.word(Ref::streetStandardAmbDataBytes));
-  const VariationRow* row = memory::variationAt(index, found);
-  if (row == nullptr) return Walk<VariationCursor>(cursor);
-  const std::uint32_t value = row->get(VariationRow::value);
-  if (memory::flagOf(*row) >= 0) {
+  const Variation found = findVariation(kind, name);
+  if (!found) return Walk<VariationCursor>(cursor);
+  const std::uint32_t value = found.row->get(VariationRow::value);
+  const auto lists = listTable(loaded_->view, kind);
+  if (memory::flagOf(*found.row) >= 0) {
     cursor.single = value;
   } else if (value < lists.size()) {
     const memory::StreetWalk walk(lists.subspan(value), scf.has_value(), nullptr);
@@ -109,6 +136,72 @@ Walk<Database::VariationCursor> Database::variations(
     cursor.left = walk.left();
   }
   return Walk<VariationCursor>(cursor);
+}
+
+bool Database::VariationNameCursor::next(Variation& item) noexcept {
+  if (table.size() - at < VariationRow::size) return false;
+  const auto* row = reinterpret_cast<const VariationRow*>(table.data() + at);
+  const std::size_t length = row->get(VariationRow::flag) & kVariationLength;
+  if (table.size() - at - VariationRow::size < length) return false;
+  item = {kind,
+          static_cast<std::uint32_t>(at),
+          {reinterpret_cast<const char*>(row) + VariationRow::size, length},
+          row};
+  at += VariationRow::size + length;
+  return true;
+}
+
+Database::VariationNameCursor Database::variationCursor(VariationKind kind) const noexcept {
+  return {variationTable(loaded_->view, kind), kind, 0};
+}
+
+Walk<Database::VariationNameCursor> Database::variationNames(VariationKind kind) const noexcept {
+  return Walk<VariationNameCursor>(variationCursor(kind));
+}
+
+bool Database::ServedStreetCursor::next(ServedStreet& item) noexcept {
+  if (single) {
+    item = {*single, {}, true};
+    single.reset();
+    return true;
+  }
+  if (left == 0 || rest.size() < StreetListEntryRow::size) return false;
+  const auto& entry = *reinterpret_cast<const StreetListEntryRow*>(rest.data());
+  const auto counted = static_cast<std::int8_t>(entry.get(StreetListEntryRow::scfCount));
+  const std::size_t scfs = counted < 0 ? 0 : static_cast<std::size_t>(counted);
+  const std::size_t bytes = StreetListEntryRow::size + scfs * KeyRow::size;
+  if (rest.size() < bytes) return false;
+  item = {entry.get(StreetListEntryRow::streetKey),
+          {reinterpret_cast<const KeyRow*>(rest.data() + StreetListEntryRow::size), scfs},
+          counted == 0};
+  rest = rest.subspan(bytes);
+  --left;
+  return true;
+}
+
+Walk<Database::ServedStreetCursor> Database::streetsOf(const Variation& variation) const noexcept {
+  return Walk<ServedStreetCursor>(streetCursor(variation));
+}
+
+Database::ServedStreetCursor Database::streetCursor(const Variation& variation) const noexcept {
+  ServedStreetCursor cursor;
+  if (!variation) return cursor;
+  const std::uint32_t value = variation.row->get(VariationRow::value);
+  const auto lists = listTable(loaded_->view, variation.kind);
+  if (memory::flagOf(*variation.row) >= 0) {
+    cursor.single = value;
+  } else {
+    cursor.rest = lists.subspan(std::min<std::size_t>(value, lists.size()));
+    cursor.left = 1;  // of a list without its count an entry is missing
+    if (cursor.rest.size() >= StreetListRow::size) {
+      cursor.left =
+          reinterpret_cast<const StreetListRow*>(cursor.rest.data())->get(StreetListRow::entries);
+      cursor.rest = cursor.rest.subspan(StreetListRow::size);
+    } else {
+      cursor.rest = {};
+    }
+  }
+  return cursor;
 }
 
 bool Database::VariationCursor::next(std::uint32_t& street) noexcept {

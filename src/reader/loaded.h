@@ -84,6 +84,8 @@ struct Database::Loaded {
   std::string file;   // for errors
   std::string range;  // the range file, empty: none
   Descriptor rangeFile;
+  RngControlRec rangeRecord{};
+  std::uint64_t rangeBytes = 0;
   Once<NameIndexes> names;
   Once<CityZips> cityZips;
 

@@ -125,8 +125,9 @@ bool openRange(const std::string& path, Database::Loaded& loaded, Error& error) 
   loaded.range = path;
   loaded.rangeFile = openFile(path);
   if (!loaded.rangeFile) return systemFailed(error, ErrorCode::kOpenFile, "cannot open", path);
-  Rng record{};
+  Rng& record = loaded.rangeRecord;
   if (!readRecord(loaded.rangeFile.get(), path, record, error)) return false;
+  loaded.rangeBytes = sys::fileBytes(loaded.rangeFile.get());
   if (!isRange(record.get(Rng::typeFlags))) return wrongKind(error, path, "range");
   // A cut has partitions elsewhere than the file that it was cut from.
   const Ref& reference = *loaded.view.record;

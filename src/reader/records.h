@@ -74,6 +74,23 @@ struct CityQuery {
 enum class PartitionKind : std::int32_t { kPoBox = 0, kStreet = 1, kRuralRoute = 2 };
 enum class VariationKind : std::int32_t { kPhonetic = 0, kStandard = 1 };
 
+// A phonetic key or a standardized name of streets; its key is the offset of its entry.
+struct Variation {
+  VariationKind kind = VariationKind::kPhonetic;
+  std::uint32_t key = 0;
+  std::string_view name;
+  const VariationRow* row = nullptr;
+
+  [[nodiscard]] explicit operator bool() const noexcept { return row != nullptr; }
+};
+
+// A street that a variation stands for, and the SCFs that it is served in.
+struct ServedStreet {
+  std::uint32_t street = 0;
+  std::span<const KeyRow> scfs;
+  bool everywhere = true;  // false with no SCF: the count in the file is negative
+};
+
 // A range that a cursor walks: `Cursor::next` gives the next item, or false at the end. Cursors are
 // values; each begin starts from the beginning.
 template <typename Cursor>

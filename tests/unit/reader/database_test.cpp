@@ -59,6 +59,78 @@ TEST_F(ADatabase, WalksOverAllZipCodesCitiesStreetsAndFirms) {
   EXPECT_EQ(firms, word(Ref::firmsCount.at));
 }
 
+TEST_F(ADatabase, TellsOfItsFilesAndWhereARecordStands) {
+  const FileBytes range = readWholeFile(rng_).value();
+  EXPECT_EQ(database_->referenceFile(), ref_);
+  EXPECT_TRUE(std::equal(bytes_.begin(), bytes_.begin() + Ref::size,
+                         database_->referenceRecord().bytes.begin()));
+  EXPECT_EQ(database_->offsetOf(database_->zipOfKey(1).row),
+            word(Ref::zipDataRba.at) + ZipDataRow::size);
+  EXPECT_EQ(database_->rangeFile(), rng_);
+  EXPECT_EQ(database_->rangeFileBytes(), range.size());
+  ASSERT_NE(database_->rangeRecord(), nullptr);
+  EXPECT_TRUE(std::equal(range.begin(), range.begin() + RngControlRec::size,
+                         database_->rangeRecord()->bytes.begin()));
+  const auto alone = Database::open(ref_, {}, error_);
+  ASSERT_NE(alone, nullptr) << error_.text;
+  EXPECT_EQ(alone->rangeFile(), "");
+  EXPECT_EQ(alone->rangeRecord(), nullptr);
+  EXPECT_EQ(alone->rangeFileBytes(), 0U);
+}
+
+TEST_F(ADatabase, WalksOverAllPhoneticKeysAndVariations) {
+  std::uint32_t phonetics = 0;
+  for (const CityPhonetic& phonetic : database_->phonetics()) {
+    EXPECT_EQ(phonetic.key, ++phonetics);
+    EXPECT_EQ(phonetic.row, database_->phonetic(phonetic.key).row);
+  }
+  EXPECT_EQ(phonetics, word(Ref::cityPhoneticsCount.at) - 1);
+  const auto all = [&](VariationKind kind) {
+    std::uint32_t count = 0;
+    for (const Variation& variation : database_->variationNames(kind)) {
+      EXPECT_EQ(database_->findVariation(kind, variation.name).key, variation.key);
+      ++count;
+    }
+    EXPECT_FALSE(database_->findVariation(kind, "QQQ"));
+    return count;
+  };
+  EXPECT_EQ(all(VariationKind::kPhonetic), word(Ref::streetPhoneticsCount.at));
+  EXPECT_EQ(all(VariationKind::kStandard), word(Ref::streetStandardsCount.at));
+}
+
+// With an SCF a variation gives the streets that are served there or everywhere.
+TEST_F(ADatabase, TheStreetsOfAVariationHaveTheirScfs) {
+  std::size_t everywhere = 0;
+  std::size_t inPlaces = 0;
+  for (const VariationKind kind : {VariationKind::kPhonetic, VariationKind::kStandard})
+    for (const Variation& variation : database_->variationNames(kind)) {
+      std::vector<std::uint32_t> all;
+      std::map<std::uint16_t, std::vector<std::uint32_t>> byScf;
+      for (const ServedStreet& street : database_->streetsOf(variation)) {
+        all.push_back(street.street);
+        ++(street.everywhere ? everywhere : inPlaces);
+        for (const KeyRow& scf : street.scfs)
+          byScf[static_cast<std::uint16_t>(scf.get(KeyRow::key))];
+      }
+      for (auto& [scf, streets] : byScf)
+        for (const ServedStreet& street : database_->streetsOf(variation))
+          if (street.everywhere ||
+              std::any_of(street.scfs.begin(), street.scfs.end(),
+                          [scf = scf](const KeyRow& key) { return key.get(KeyRow::key) == scf; }))
+            streets.push_back(street.street);
+      const auto listed = [](const auto& walk) {
+        std::vector<std::uint32_t> streets;
+        for (const std::uint32_t street : walk) streets.push_back(street);
+        return streets;
+      };
+      EXPECT_EQ(all, listed(database_->variations(kind, variation.name)));
+      for (const auto& [scf, streets] : byScf)
+        EXPECT_EQ(streets, listed(database_->variations(kind, variation.name, scf)));
+    }
+  EXPECT_GT(everywhere, 0U);
+  EXPECT_GT(inPlaces, 0U);
+}
+
 TEST_F(ADatabase, GivesTheZipCodesOfEachCity) {
   std::map<std::uint32_t, std::set<std::uint16_t>> wanted;
   for (const Zip& zip : database_->zips())
