@@ -1,36 +1,66 @@
-# What `cmake --install` puts down: the tools with the ZIP codes that they build from, the library with
-# its headers, its CMake package and its pkg-config file, the Python package, and the documents.
+# What `cmake --install` puts down, in components that are the packages of debian/: programs (with their
+# manual pages and completions), data, library (what programs load), development, python, documents.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/statecut)
 set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/statecut)
-
-install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES ${PROJECT_SOURCE_DIR}/data/us_zip_city.csv ${PROJECT_SOURCE_DIR}/data/NOTICE.md
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/statecut)
-install(TARGETS statecut_core statecut_shared EXPORT statecut
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(EXPORT statecut NAMESPACE statecut:: FILE statecutConfig.cmake DESTINATION ${package_dir})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake
-  COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake DESTINATION ${package_dir})
-
-# For pkg-config: the prefix is found from the place of the file, so that it may be moved.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(python_dir lib/python3/dist-packages)
+
+# Notes the folders that `uninstall` takes away: the project's own, and those that are not there yet.
+set(own_dirs ${CMAKE_INSTALL_DATADIR}/statecut ${package_dir} ${header_dir} ${python_dir}/statecut
+  ${CMAKE_INSTALL_DOCDIR})
+set(shared_dirs ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} ${pkgconfig_dir} ${man_dirs}
+  ${completion_dirs})
+string(CONFIGURE [[
+set(NOTED "@PROJECT_BINARY_DIR@/install_folders.txt")
+set(OWN "@own_dirs@")
+set(SHARED "@shared_dirs@")
+include("@CMAKE_CURRENT_LIST_DIR@/notefolders.cmake")
+]] note_folders @ONLY)
+install(CODE "${note_folders}" ALL_COMPONENTS)
+
+install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+foreach(page IN LISTS manuals)
+  cmake_path(GET page EXTENSION LAST_ONLY section)
+  string(SUBSTRING ${section} 1 -1 section)
+  set(component programs)
+  if(section EQUAL 3)
+    set(component development)
+  endif()
+  install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
+endforeach()
+install(FILES ${PROJECT_SOURCE_DIR}/data/us_zip_city.csv ${PROJECT_SOURCE_DIR}/data/NOTICE.md
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/statecut COMPONENT data)
+install(TARGETS statecut_core statecut_shared EXPORT statecut
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+install(EXPORT statecut NAMESPACE statecut:: FILE statecutConfig.cmake DESTINATION ${package_dir}
+  COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/statecutConfigVersion.cmake DESTINATION ${package_dir}
+  COMPONENT development)
+
+# For pkg-config: the prefix is found from the place of the file, so that it may be moved. statecut is
+# the C library, statecut-cxx the archive with the C++ interface.
 file(RELATIVE_PATH to_prefix /${pkgconfig_dir} /)
 string(REGEX REPLACE "/$" "" to_prefix ${to_prefix})
-configure_file(${CMAKE_CURRENT_LIST_DIR}/statecut.pc.in ${PROJECT_BINARY_DIR}/statecut.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/statecut.pc DESTINATION ${pkgconfig_dir})
+foreach(name IN ITEMS statecut statecut-cxx)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir} COMPONENT development)
+endforeach()
 
 # The Python package finds the library of the prefix that it lies in.
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/statecut
-  DESTINATION lib/python3/dist-packages COMPONENT python
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/python/statecut DESTINATION ${python_dir}
+  COMPONENT python
   FILES_MATCHING PATTERN "*.py" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
 
 # include/statecut/core is a link to src/; of that, the headers of the interface are installed.
 # They include each other by relative names, so that one include path serves both trees.
 file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/statecut/*.h)
-install(FILES ${headers} DESTINATION ${header_dir})
+install(FILES ${headers} ${PROJECT_BINARY_DIR}/include/statecut/version.h DESTINATION ${header_dir}
+  COMPONENT development)
 foreach(header IN ITEMS
     base/le.h base/memory.h base/procobj.h base/row.h base/stream.h
     log/seedlog.h log/utllgmsg.h dbfiles/apiutil.h dbfiles/controlrec.h
@@ -40,14 +70,18 @@ foreach(header IN ITEMS
     lookup/street.h lookup/tablesets.h lookup/zip.h
     reader/database.h reader/error.h reader/records.h)
   get_filename_component(module ${header} DIRECTORY)
-  install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${header_dir}/core/${module})
+  install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${header_dir}/core/${module}
+    COMPONENT development)
 endforeach()
 
-file(GLOB documents CONFIGURE_DEPENDS
-  ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/man/*.md)
-install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR})
+file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+install(FILES ${documents} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
 file(GLOB examples CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/examples/*.c ${PROJECT_SOURCE_DIR}/examples/*.cpp
   ${PROJECT_SOURCE_DIR}/examples/*.py)
-install(FILES ${examples}
-  DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+install(FILES ${examples} DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT documents)
+
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D BUILD=${PROJECT_BINARY_DIR}
+    -P ${CMAKE_CURRENT_LIST_DIR}/uninstall.cmake VERBATIM)
+endif()

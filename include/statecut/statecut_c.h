@@ -10,10 +10,9 @@
    Most calls give STATECUT_OK or STATECUT_NOT_FOUND; a null or impossible argument gives
    STATECUT_ARGUMENT. What they fill is untouched unless they give STATECUT_OK. */
 
+#include <statecut/version.h>
 #include <stddef.h>
 #include <stdint.h>
-
-#include "version.h"
 
 #ifdef __cplusplus
 extern "C" {

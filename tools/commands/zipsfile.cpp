@@ -1,7 +1,9 @@
 #include "commands/zipsfile.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 namespace statecut {
 
@@ -11,25 +13,29 @@ namespace fs = std::filesystem;
 
 constexpr const char* kName = "us_zip_city.csv";
 
-// An installation may be moved as a whole: its data folder is found from the program's own.
-fs::path installedFile() {
+// An installation may be moved as a whole: its data are found from the program's own folder.
+std::vector<fs::path> places() {
+  const char* named = std::getenv("STATECUT_DATA");
+  if (named != nullptr && *named != '\0') return {fs::path(named) / kName};
   std::error_code unknown;
   const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
   if (unknown) return {};
-  return (program.parent_path() / STATEDB_DATA_FROM_PROGRAM / kName).lexically_normal();
+  const fs::path folder = program.parent_path();
+  return {folder / kName, (folder / STATEDB_DATA_FROM_PROGRAM / kName).lexically_normal()};
 }
 
 }  // namespace
 
 std::string findZipsFile(std::string& error) {
-  const fs::path installed = installedFile();
-  const fs::path source = fs::path(STATEDB_SOURCE_DATA) / kName;
-  for (const fs::path& path : {installed, source}) {
+  error = "no ZIP codes";
+  const char* separator = ": there is no ";
+  for (const fs::path& path : places()) {
     std::error_code ignored;
-    if (!path.empty() && fs::exists(path, ignored)) return path.string();
+    if (fs::exists(path, ignored)) return path.string();
+    error += separator + path.string();
+    separator = ", no ";
   }
-  error = "no ZIP codes: neither " + (installed.empty() ? "" : installed.string() + " nor ") +
-          source.string() + " is there; name a file with --zips";
+  error += "; name their folder with STATECUT_DATA or a file with --zips";
   return {};
 }
 

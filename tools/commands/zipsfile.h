@@ -5,8 +5,8 @@
 
 namespace statecut {
 
-// The file that was installed with the running program, else that of the source tree. Empty, with a
-// reason, when neither is there.
+// The file in the folder that STATECUT_DATA names, or else beside the running program, or else in
+// the data folder that was installed with it. Empty, with a reason, when there is none.
 [[nodiscard]] std::string findZipsFile(std::string& error);
 
 }  // namespace statecut
