@@ -16,7 +16,7 @@
 namespace statecut::test {
 namespace {
 
-constexpr int kShards = 10;
+constexpr int kPairShards = 10;
 
 // The states that random pairs are made of, and one that none has.
 const std::vector<std::string> kChoice = {"AA", "AE", "AK", "AP", "CA", "GU", "NY",
@@ -99,7 +99,7 @@ TEST_P(PlanOfRandomPairs, IsTheSizeOfTheCutToTheByte) {
   const std::uint64_t first = envNumber("STATECUT_CUT_SEED", 1);
   const std::uint64_t runs = envNumber("STATECUT_CUT_RUNS", 300);
   std::uint64_t compared = 0;
-  for (auto i = static_cast<std::uint64_t>(GetParam()); i < runs; i += kShards) {
+  for (auto i = static_cast<std::uint64_t>(GetParam()); i < runs; i += kPairShards) {
     Trial trial(first + i);
     const Compared result = trial.run();
     compared += result.compared ? 1 : 0;
@@ -107,13 +107,13 @@ TEST_P(PlanOfRandomPairs, IsTheSizeOfTheCutToTheByte) {
         << "seed " << first + i << ": " << trial.shape() << "\nrerun: STATECUT_CUT_RUNS=1 "
         << "STATECUT_CUT_SEED=" << first + i << " test_cut --gtest_filter='*Plan*'";
   }
-  if (runs >= 10 * kShards) {
-    EXPECT_GT(compared, runs / kShards / 4);
+  if (runs >= 10 * kPairShards) {
+    EXPECT_GT(compared, runs / kPairShards / 4);
   }
   addCount("plans compared with their cuts", compared);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shard, PlanOfRandomPairs, testing::Range(0, kShards));
+INSTANTIATE_TEST_SUITE_P(Shard, PlanOfRandomPairs, testing::Range(0, kPairShards));
 
 }  // namespace
 }  // namespace statecut::test

@@ -27,7 +27,7 @@ struct Shared {
   std::uint32_t writes;
 };
 
-struct Kill {
+struct KillPlan {
   std::uint32_t n = 0;  // 0: none
   KillMoment moment = KillMoment::kBefore;
   int signal = 0;
@@ -38,7 +38,7 @@ constexpr std::size_t kBlockHeader = alignof(std::max_align_t);  // holds the si
 bool armed = false;
 bool rangeCopies = true;
 FaultPlan plan;
-Kill kill;
+KillPlan kill;
 
 Shared& mappedShared() {
   void* const memory =

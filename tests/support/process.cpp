@@ -125,7 +125,7 @@ ProcessResult runProcess(const Command& command) {
   err.close(1);
   ProcessResult result;
   result.timedOut = !converse(command, in, out, err, result);
-  if (result.timedOut) kill(child, SIGKILL);
+  if (result.timedOut) ::kill(child, SIGKILL);
   int status = 0;
   while (waitpid(child, &status, 0) < 0)
     if (errno != EINTR) fail("waitpid");

@@ -6,7 +6,7 @@
 namespace statecut::secondcut {
 namespace {
 
-constexpr std::uint64_t kLargestAllocation = 2147483647;
+constexpr std::uint64_t kLargestTable = 2147483647;
 
 std::size_t cityAt(std::uint32_t city) { return std::size_t{36} * city; }
 
@@ -30,7 +30,7 @@ int Cut::rebuildMultiZips() {
 }
 
 bool Cut::listCities() {
-  if (std::uint64_t{4} * word(188) > kLargestAllocation) {
+  if (std::uint64_t{4} * word(188) > kLargestTable) {
     log.record(kError, "cutstate", 871, 0, "Mem Alloc Err",
                "Could not allocate memory for City Keys.");
     return false;
@@ -43,7 +43,7 @@ bool Cut::listCities() {
 }
 
 bool Cut::allocateMultiZips() {
-  if (std::uint64_t{12} * word(252) > kLargestAllocation) {
+  if (std::uint64_t{12} * word(252) > kLargestTable) {
     log.record(kError, "cutstate", 571, 0, "Mem Alloc Err",
                "Could not allocate memory for Multi-Zip Keys.");
     return false;

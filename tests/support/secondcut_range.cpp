@@ -8,7 +8,7 @@
 namespace statecut::secondcut {
 namespace {
 
-constexpr std::int32_t kChunk = 4088;
+constexpr std::int32_t kRangeChunk = 4088;
 
 // Where a ZIP record holds the RBA of its partition of a kind.
 std::size_t rbaFieldOf(Kind kind) { return kind == kSfh ? 8 : kind == kPob ? 12 : 16; }
@@ -54,9 +54,9 @@ void Cut::copyFromRange(const std::string& name, std::uint32_t rba, std::int32_t
   Bytes buffer(4096);
   Bytes copied;
   while (bytes > 0) {
-    for (std::uint32_t i = 0; i < kChunk && std::uint64_t{rba} + i < in.rng->size(); ++i)
+    for (std::uint32_t i = 0; i < kRangeChunk && std::uint64_t{rba} + i < in.rng->size(); ++i)
       buffer[i] = (*in.rng)[rba + i];
-    const std::int32_t chunk = std::min(bytes, kChunk);
+    const std::int32_t chunk = std::min(bytes, kRangeChunk);
     copied.insert(copied.end(), buffer.begin(), buffer.begin() + chunk);
     bytes -= chunk;
     rba += static_cast<std::uint32_t>(chunk);

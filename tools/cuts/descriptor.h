@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -32,6 +34,12 @@ class Descriptor {
  private:
   int value_ = -1;
 };
+
+// Tells of the file what errno says; false.
+inline bool failed(const std::string& path, std::string& error) {
+  error = path + ": " + std::strerror(errno);
+  return false;
+}
 
 // Writes all of the text, in as many steps as it takes; false, with errno, when one fails.
 inline bool writeAll(int fd, std::string_view text) {

@@ -12,15 +12,6 @@
 
 namespace statecut::cuts {
 
-namespace {
-
-bool failed(const std::string& path, std::string& error) {
-  error = path + ": " + std::strerror(errno);
-  return false;
-}
-
-}  // namespace
-
 bool flush(const std::string& path, std::string& error) {
   const Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!fd || ::fsync(fd.get()) != 0) return failed(path, error);

@@ -9,18 +9,10 @@
 #include <filesystem>
 #include <thread>
 
+#include "cuts/descriptor.h"
 #include "cuts/names.h"
 
 namespace statecut::cuts {
-
-namespace {
-
-bool failed(const std::string& path, std::string& error) {
-  error = path + ": " + std::strerror(errno);
-  return false;
-}
-
-}  // namespace
 
 bool removeProductFolder(const std::string& path, std::string& error) {
   // A program that was killed a moment ago may still be making its last file there.

@@ -10,7 +10,7 @@ namespace statecut::builder {
 
 namespace {
 
-constexpr std::string_view firstWords[] = {
+constexpr std::string_view kFirstWords[] = {
     "ALDER",   "AMBER",  "ASPEN",  "AUTUMN",  "BEECH",   "BIRCH",  "BRIAR", "BROOK",
     "CANYON",  "CEDAR",  "CHERRY", "CLOVER",  "COPPER",  "CORAL",  "CRANE", "CREEK",
     "DOGWOOD", "EAGLE",  "ELM",    "FALCON",  "FERN",    "FLINT",  "FORT",  "FOX",
@@ -18,14 +18,14 @@ constexpr std::string_view firstWords[] = {
     "HICKORY", "HOLLY",  "IRON",   "IVY",     "JUNIPER", "LAUREL", "LILAC", "LINDEN",
     "MAPLE",   "MEADOW", "MOUNT",  "MT",      "NORTH",   "OAK",    "PINE",  "PRAIRIE",
     "QUAIL",   "RIVER",  "SAINT",  "SILVER",  "SOUTH",   "ST",     "STONE", "WALNUT"};
-constexpr std::string_view secondWords[] = {
+constexpr std::string_view kSecondWords[] = {
     "BANK",  "BARN",    "BAY",    "BEND",   "BLUFF",   "BRANCH", "BRIDGE", "CAMP",
     "CHASE", "CLIFF",   "COVE",   "CREST",  "CROSS",   "DALE",   "FALLS",  "FARM",
     "FIELD", "FORD",    "FOREST", "GARDEN", "GATE",    "GLEN",   "GROVE",  "HAVEN",
     "HILL",  "HOLLOW",  "HOUSE",  "ISLAND", "KNOLL",   "LAKE",   "LODGE",  "MARSH",
     "MILL",  "ORCHARD", "PARK",   "PASS",   "POINT",   "POND",   "RANCH",  "RIDGE",
     "ROCK",  "RUN",     "SHORE",  "SPRING", "TERRACE", "VALLEY", "VIEW",   "WOOD"};
-constexpr std::string_view thirdWords[] = {
+constexpr std::string_view kThirdWords[] = {
     "",      "1ST",       "2ND",    "3RD",     "4TH",      "5TH",     "6TH",     "7TH",    "8TH",
     "9TH",   "10TH",      "11TH",   "12TH",    "13TH",     "14TH",    "15TH",    "16TH",   "17TH",
     "18TH",  "19TH",      "20TH",   "ANNEX",   "BEACH",    "CENTER",  "COMMONS", "CORNER", "DOWNS",
@@ -58,12 +58,12 @@ std::vector<std::string> takeNames(std::set<std::string> names, std::uint32_t co
 }
 
 std::string twoWords(std::uint64_t number) {
-  const std::uint64_t first = number % std::size(firstWords);
-  const std::uint64_t second = number / std::size(firstWords) % std::size(secondWords);
-  return std::string(firstWords[first]) + " " + std::string(secondWords[second]);
+  const std::uint64_t first = number % std::size(kFirstWords);
+  const std::uint64_t second = number / std::size(kFirstWords) % std::size(kSecondWords);
+  return std::string(kFirstWords[first]) + " " + std::string(kSecondWords[second]);
 }
 
-constexpr std::uint64_t wordPairs = std::size(firstWords) * std::size(secondWords);
+constexpr std::uint64_t wordPairs = std::size(kFirstWords) * std::size(kSecondWords);
 
 char consonantClass(char c) {
   constexpr std::string_view letters = "BCDFGJKLMNPQRSTVXZ0123456789";
@@ -76,9 +76,9 @@ char consonantClass(char c) {
 
 std::vector<std::string> makeStreetNames(std::uint32_t count, std::uint64_t seed) {
   return takeNames({fixedStreets.begin(), fixedStreets.end()}, count, seed,
-                   wordPairs * std::size(thirdWords), [](std::uint64_t number) {
+                   wordPairs * std::size(kThirdWords), [](std::uint64_t number) {
                      std::string name = twoWords(number);
-                     const std::string_view third = thirdWords[number / wordPairs];
+                     const std::string_view third = kThirdWords[number / wordPairs];
                      if (!third.empty()) name.append(" ").append(third);
                      return name;
                    });

@@ -17,7 +17,7 @@ using namespace statecut::test;
 constexpr std::uint32_t kFileAt = 0x50000000;  // RBAs are memory addresses: below 4 GiB
 constexpr std::uint32_t kPage = 4096;
 constexpr std::uint32_t kDamagedAt = kFileAt + kPage;
-constexpr std::uint32_t kOverflowAt = kFileAt + 1000;
+constexpr std::uint32_t kOverflowOffset = kFileAt + 1000;
 constexpr std::uint32_t kNamesAt = kFileAt + 2000;
 
 class DamagedFile : public IndexFixture {
@@ -66,7 +66,7 @@ class DamagedFile : public IndexFixture {
 };
 
 TEST_F(DamagedFile, DamageInTheOverflowEntriesIsNotFound) {
-  putOverflow(kOverflowAt);
+  putOverflow(kOverflowOffset);
   ASSERT_EQ(findMain(), 0u);
   putOverflow(kDamagedAt - 6);  // the first entry comes, the second does not
   EXPECT_EQ(findMain(), kNotFound);
@@ -75,7 +75,7 @@ TEST_F(DamagedFile, DamageInTheOverflowEntriesIsNotFound) {
 
 TEST_F(DamagedFile, DamageInTheNamesEndsTheirReading) {
   setOverflow(0, checkOf("MAIN", kStreetNames), kDamagedAt - kNamesAt);
-  putOverflow(kOverflowAt);
+  putOverflow(kOverflowOffset);
   record.set(RefControlRec::streetNamesBytes, kPage - 2000);  // bounds the damaged offset away
   ASSERT_EQ(findMain(), 0u);
   record.set(RefControlRec::streetNamesBytes, kPage);
@@ -84,7 +84,7 @@ TEST_F(DamagedFile, DamageInTheNamesEndsTheirReading) {
 }
 
 TEST_F(DamagedFile, DamageInsideTheSlotIsNotFound) {
-  putOverflow(kOverflowAt);
+  putOverflow(kOverflowOffset);
   ASSERT_EQ(findMain(), 0u);
   record.set(RefControlRec::hashTableRba, kDamagedAt - 1);
   put(kDamagedAt - 1, {2});
@@ -92,7 +92,7 @@ TEST_F(DamagedFile, DamageInsideTheSlotIsNotFound) {
 }
 
 TEST_F(DamagedFile, NoFileIsNotFound) {
-  putOverflow(kOverflowAt);
+  putOverflow(kOverflowOffset);
   ASSERT_EQ(findMain(), 0u);
   streamClose(proc.files->reference);
   proc.files->reference = nullptr;

@@ -12,8 +12,6 @@ namespace {
 using test::Bytes;
 using test::Lines;
 
-constexpr std::uint32_t kTooMany = 0x80000000U;
-
 class TablesTest : public test::TableFixture {};
 
 TEST_F(TablesTest, CityByStateIsOneRecordShorterThanTheNames) {
@@ -151,14 +149,14 @@ TEST_F(TablesTest, BytesTableAtRba0IsNoTableAndNothingIsRead) {
 }
 
 TEST_F(TablesTest, FailedAllocationOfTheSecondStreetTableReleasesTheFirst) {
-  word(152, kTooMany);
+  word(152, test::kTooMany);
   word(156, 4);
   EXPECT_EQ(dbReadStreetPhonetics(holding(Bytes(10)), &record_, &proc_), -11);
   EXPECT_EQ(refPointers[21].table, nullptr);
   EXPECT_EQ(refPointers[22].table, nullptr);
   EXPECT_EQ(records(), Lines({info("Ambiguous Data for Street Phonetics", 4),
                               allocWarning("Phonetic Street Names")}));
-  word(164, kTooMany);
+  word(164, test::kTooMany);
   word(168, 4);
   EXPECT_EQ(dbReadStreetStndrdzd(holding(Bytes(10)), &record_, &proc_), -12);
   EXPECT_EQ(refPointers[24].table, nullptr);
@@ -184,7 +182,7 @@ TEST_F(TablesTest, FailedReadOfTheSecondStreetTableReleasesNothing) {
 
 TEST_F(TablesTest, FailedAllocationOfTheHashOverflowLeavesNeitherSlot) {
   word(312, 2);
-  word(320, kTooMany);
+  word(320, test::kTooMany);
   EXPECT_EQ(dbReadHashedNames(holding(Bytes(10)), &record_, &proc_), -18);
   EXPECT_EQ(refPointers[37].table, nullptr);
   EXPECT_EQ(refPointers[38].table, nullptr);

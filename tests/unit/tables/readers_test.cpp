@@ -98,8 +98,6 @@ const std::vector<Table> kTables = {
      false}};
 
 constexpr std::uint32_t kCount = 3;
-constexpr std::uint32_t kTooMany = 0x80000000U;  // more than any table can have
-
 class ReaderTest : public test::TableFixture, public ::testing::WithParamInterface<std::size_t> {
  protected:
   // Every table stands somewhere: at RBA 0 some are none.
@@ -152,7 +150,7 @@ TEST_P(ReaderTest, LoadsEveryTableFromItsRbaIntoItsSlot) {
 
 TEST_P(ReaderTest, FailedAllocationEndsTheReader) {
   if (table_.countAt == 0) return;  // its size is fixed and always fits
-  word(table_.countAt, kTooMany);
+  word(table_.countAt, test::kTooMany);
   refPointers[table_.slot].table = static_cast<unsigned char*>(allocTable(1));
   unsigned char* const old = refPointers[table_.slot].table;
   EXPECT_EQ(table_.reader(holding(Bytes(10)), &record_, &proc_), table_.code);

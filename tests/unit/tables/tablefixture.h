@@ -2,6 +2,7 @@
 // Table tests: a log, a control record by hand and the slot table, emptied after each test.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@
 namespace statecut::test {
 
 using Lines = std::vector<std::string>;
+
+constexpr std::uint32_t kTooMany = 0x80000000U;  // more records than any table can have
 
 class TableFixture : public LogFixture {
  protected:

@@ -10,8 +10,6 @@ namespace {
 using test::Bytes;
 using test::Lines;
 
-constexpr std::uint32_t kTooMany = 0x80000000U;  // more than any table can have
-
 class WholeLoadTest : public test::TableFixture {
  protected:
   WholeLoadTest() { word(132, 1); }
@@ -33,7 +31,7 @@ TEST_F(WholeLoadTest, LoadsTheTablesOfACutInOrder) {
 TEST_F(WholeLoadTest, EachFailureIsMinusOneAndKeepsWhatIsLoaded) {
   for (const std::size_t at : {188U, 132U, 136U, 192U, 296U}) {
     const std::uint32_t before = le::get<4>(record_.bytes.data() + at);
-    word(at, kTooMany);
+    word(at, test::kTooMany);
     EXPECT_EQ(dbReadStateCutRefDb(holding(Bytes(10)), &record_, &proc_), -1) << at;
     EXPECT_EQ(refPointers[3].table != nullptr, at != 188);
     EXPECT_EQ(refPointers[36].table, nullptr);
