@@ -12,6 +12,7 @@ void addVerifyCommand(CLI::App& app, int& status);
 void addPlanCommand(CLI::App& app, int& status);
 void addCutsCommand(CLI::App& app, int& status);
 void addDiffCommand(CLI::App& app, int& status);
+void addDrawCommand(CLI::App& app, int& status);
 void addQueryCommand(CLI::App& app, int& status);
 void addLookupCommands(CLI::App& app, int& status);  // the short forms: zip, city, street, firm
 

@@ -34,6 +34,7 @@ int runStatedb(int argc, char** argv) {
   addPlanCommand(app, status);
   addCutsCommand(app, status);
   addDiffCommand(app, status);
+  addDrawCommand(app, status);
   addQueryCommand(app, status);
   addLookupCommands(app, status);
   try {

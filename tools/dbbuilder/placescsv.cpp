@@ -13,6 +13,11 @@ namespace {
 
 constexpr std::size_t maxZips = 65534;  // keys are 16-bit and key 0 is no ZIP
 constexpr std::size_t maxName = 28;
+constexpr std::string_view kHeader = "zip,state,city,county";
+constexpr std::string_view kPlacedHeader = "zip,state,city,county,latitude,longitude";
+constexpr std::size_t kNeeded = 4;
+
+using Fields = std::array<std::string_view, 6>;
 
 bool upperCase(std::string_view text, std::string_view others) {
   return std::all_of(text.begin(), text.end(), [&](char c) {
@@ -20,15 +25,19 @@ bool upperCase(std::string_view text, std::string_view others) {
   });
 }
 
-// The first four fields of a line; false when there are fewer.
-bool splitLine(std::string_view line, std::array<std::string_view, 4>& fields) {
+// The first fields of a line, what is missing as empty ones; false when there are fewer than four.
+bool splitLine(std::string_view line, Fields& fields) {
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const std::size_t comma = line.find(',');
     fields[i] = line.substr(0, comma);
-    if (comma == std::string_view::npos) return i + 1 == fields.size();
+    if (comma == std::string_view::npos) return i + 1 >= kNeeded;
     line.remove_prefix(comma + 1);
   }
   return true;
+}
+
+bool startsWith(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
 }
 
 bool parseZip(std::string_view text, std::uint32_t& zip) {
@@ -41,9 +50,9 @@ bool parseZip(std::string_view text, std::uint32_t& zip) {
 }
 
 // An empty text, or what is wrong with the line.
-std::string parseLine(std::string_view line, Place& place) {
+std::string parseLine(std::string_view line, bool placed, Place& place) {
   constexpr std::string_view nameCharacters = "0123456789 '&-./";
-  std::array<std::string_view, 4> fields;
+  Fields fields;
   if (!splitLine(line, fields)) return "expected zip,state,city,county";
   if (!parseZip(fields[0], place.zip))
     return "bad ZIP code \"" + std::string(fields[0]) + "\" (five digits, not 00000)";
@@ -56,6 +65,10 @@ std::string parseLine(std::string_view line, Place& place) {
   place.state = fields[1];
   place.city = fields[2];
   place.county = fields[3];
+  if (placed) {
+    place.latitude = fields[4];
+    place.longitude = fields[5];
+  }
   return {};
 }
 
@@ -80,14 +93,15 @@ bool readPlaces(const std::string& csvPath, std::vector<Place>& places, std::str
     error = csvPath + ":" + std::to_string(number) + ": " + reason;
     return false;
   };
-  if (!nextLine(in, line) || line.rfind("zip,state,city,county", 0) != 0)
-    return fail("expected a header line zip,state,city,county");
+  if (!nextLine(in, line) || !startsWith(line, kHeader))
+    return fail("expected a header line " + std::string(kHeader));
+  const bool placed = startsWith(line, kPlacedHeader);
   std::vector<bool> seen(100000);
   while (nextLine(in, line)) {
     ++number;
     if (line.empty()) continue;
     Place place;
-    const std::string reason = parseLine(line, place);
+    const std::string reason = parseLine(line, placed, place);
     if (!reason.empty()) return fail(reason);
     if (seen[place.zip]) return fail("ZIP code given before: " + line.substr(0, 5));
     seen[place.zip] = true;

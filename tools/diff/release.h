@@ -35,6 +35,7 @@ class Release {
   Records<RowType> records(TableId id) const {
     return {table(id), place(id).rba};
   }
+  std::span<const unsigned char> referenceBytes() const { return ref_.bytes(); }
   std::span<const unsigned char> rangeBytes() const { return rng_.bytes(); }
 
   // The key of a ZIP code, 0 = not in the index, or not in the table that it leads into.

@@ -1,0 +1,17 @@
+# Writes a C++ source with files as texts. Run as a script:
+#   cmake -DOUTPUT=FILE -DHEADER=HEADER -DNAMESPACE=NS "-DFILES=NAME=PATH,..." -P embed.cmake
+string(REPLACE "," ";" pairs "${FILES}")
+set(source "// Made by cmake/embed.cmake.\n#include \"${HEADER}\"\n\nnamespace ${NAMESPACE} {\n\n")
+foreach(pair IN LISTS pairs)
+  string(FIND "${pair}" "=" at)
+  string(SUBSTRING "${pair}" 0 ${at} name)
+  math(EXPR at "${at} + 1")
+  string(SUBSTRING "${pair}" ${at} -1 path)
+  file(READ "${path}" text)
+  if("${text}" MATCHES "\\)~embed~\"")
+    message(FATAL_ERROR "${path} holds the mark that ends a text")
+  endif()
+  string(APPEND source "const std::string_view ${name} = R\"~embed~(${text})~embed~\";\n\n")
+endforeach()
+string(APPEND source "}  // namespace ${NAMESPACE}\n")
+file(WRITE "${OUTPUT}" "${source}")
