@@ -9,6 +9,7 @@
 #include "commands/commands.h"
 #include "commands/products.h"
 #include "format/mapped.h"
+#include "format/memory.h"
 
 namespace statecut {
 
@@ -46,6 +47,7 @@ void addCutsCommand(CLI::App& app, int& status) {
   command->footer("Exit status: 0 all made or already there, 1 some not, 2 can't run.");
   command->callback([options, &status] {
     format::exitOnLostPage();
+    format::keepFreedMemory();
     status = cuts::run(options->run, options->choice, std::cout, std::cerr);
   });
 }

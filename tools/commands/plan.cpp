@@ -1,13 +1,12 @@
 // statedb plan: what cuts would hold, without making them.
 
-#include <malloc.h>
-
 #include <iostream>
 #include <memory>
 
 #include "commands/commands.h"
 #include "commands/products.h"
 #include "format/mapped.h"
+#include "format/memory.h"
 #include "verify/verify.h"
 
 namespace statecut {
@@ -15,7 +14,6 @@ namespace statecut {
 namespace {
 
 constexpr int kDone = 0, kCannotRun = 2;
-constexpr int kKeptMemory = 32 << 20;
 
 struct PlanOptions {
   std::string ref;
@@ -40,9 +38,7 @@ int runPlan(const PlanOptions& options) {
     states = *parsed;
   }
   format::exitOnLostPage();
-  // The memory of one plan serves the next instead of going back to the system.
-  (void)::mallopt(M_MMAP_THRESHOLD, kKeptMemory);
-  (void)::mallopt(M_TRIM_THRESHOLD, kKeptMemory);
+  format::keepFreedMemory();
   verify::Pair source;
   std::string error;
   if (!cuts::openSource(options.ref, options.rng, source, error)) return fail(error);

@@ -1,7 +1,8 @@
 #include "cuts/checking.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -11,7 +12,6 @@
 #include "cuts/partfolder.h"
 #include "dbfiles/controlrec.h"
 #include "format/mapped.h"
-#include "verify/verify.h"
 
 namespace statecut::cuts {
 
@@ -31,26 +31,41 @@ std::string finding(const verify::Report& report) {
   return text;
 }
 
+// What the files say of themselves when they are good.
+void describeFiles(const verify::Pair& pair, Checked& checked) {
+  const auto record = [&](const char* name, std::span<const unsigned char> bytes) {
+    return FileRecord{name, bytes.size(), sha256OfBytes(bytes, checked.error)};
+  };
+  checked.time = pair.ref().get(RefControlRec::stateCutTimeStamp);
+  checked.reference = record(kReferenceName, pair.refBytes());
+  checked.range = record(kRangeName, pair.rngBytes());
+}
+
 void verifyProduct(const Source& source, const std::string& folder,
-                   const std::vector<std::string>& states, std::string& error) {
-  verify::Options options;
-  options.ref = folder + "/" + kReferenceName;
-  options.rng = folder + "/" + kRangeName;
-  options.sourceRef = source.ref;
-  options.sourceRng = source.rng;
-  for (const std::string& state : states) options.states += state + ",";
-  options.soundSource = source.sound;
-  const verify::Report report = verify::check(options, error);
+                   const std::vector<std::string>& states, Checked& checked) {
+  std::string& error = checked.error;
+  const verify::Pair pair =
+      verify::Pair::open(folder + "/" + kReferenceName, folder + "/" + kRangeName, error);
+  verify::Report report;
+  if (error.empty()) report = verify::checkCut(pair, source.database, states, error);
   if (!error.empty())
     error = "verify: " + error;
   else if (!report.clean())
     error = finding(report);
+  else
+    describeFiles(pair, checked);
 }
 
-std::uint32_t cutStamp(const std::string& path, std::string& error) {
-  const auto mapped = format::MappedFile::open(path, error);
-  if (!error.empty() || mapped.bytes().size() < RefControlRec::size) return 0;
-  return le::get<4>(mapped.bytes().data() + RefControlRec::stateCutTimeStamp.at);
+std::string stateOfFile(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return "gone";
+  std::string text;
+  for (const auto number : {std::uint64_t{status.st_dev}, std::uint64_t{status.st_ino},
+                            static_cast<std::uint64_t>(status.st_size),
+                            static_cast<std::uint64_t>(status.st_mtim.tv_sec),
+                            static_cast<std::uint64_t>(status.st_mtim.tv_nsec)})
+    text += std::to_string(number) + ' ';
+  return text;
 }
 
 std::vector<std::string> warningsOf(const std::string& log) {
@@ -91,25 +106,14 @@ std::vector<std::string> logRecords(const std::string& path, const std::string& 
   return texts;
 }
 
-bool isSound(const Source& source) {
-  format::exitOnLostPage();
-  verify::Options options;
-  options.ref = source.ref;
-  options.rng = source.rng;
-  std::string error;
-  return verify::check(options, error).clean() && error.empty();
+std::string stateOf(const Source& source) {
+  return stateOfFile(source.ref) + stateOfFile(source.rng);
 }
 
-FileRecord recordOfFile(const std::string& folder, const std::string& name, std::string& error) {
-  FileRecord record;
-  record.name = name;
-  std::error_code code;
-  record.bytes = std::filesystem::file_size(folder + "/" + name, code);
-  if (code)
-    error = folder + "/" + name + ": " + code.message();
-  else
-    record.sha256 = sha256OfFile(folder + "/" + name, error);
-  return record;
+bool isSound(const Source& source) {
+  format::exitOnLostPage();
+  std::string error;
+  return verify::checkPair(source.database.pair, error).clean() && error.empty();
 }
 
 Checked checkAndPublish(const Source& source, const std::string& out, const std::string& product,
@@ -121,10 +125,7 @@ Checked checkAndPublish(const Source& source, const std::string& out, const std:
   // The disk writes while the processor verifies.
   beginFlush(folder + "/" + kReferenceName);
   beginFlush(folder + "/" + kRangeName);
-  verifyProduct(source, folder, states, error);
-  if (error.empty()) checked.time = cutStamp(folder + "/" + kReferenceName, error);
-  if (error.empty()) checked.reference = recordOfFile(folder, kReferenceName, error);
-  if (error.empty()) checked.range = recordOfFile(folder, kRangeName, error);
+  verifyProduct(source, folder, states, checked);
   if (error.empty()) checked.warnings = warningsOf(folder + "/" + kLogName);
   if (error.empty()) publish(out, product, error);
   return checked;

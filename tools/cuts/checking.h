@@ -2,18 +2,24 @@
 // What is done with the files of a product once they are cut: in a process of its own, as a file
 // that gets lost while it is read ends the process.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "cuts/manifest.h"
+#include "verify/verify.h"
 
 namespace statecut::cuts {
 
 struct Source {
   std::string ref;  // paths that lead there from any folder
   std::string rng;
-  bool sound = false;  // verified, and nothing wrong with it
+  std::string state;        // of the files when they were opened, see stateOf
+  verify::Source database;  // shared by the processes of all checks
 };
+
+// Tells files that changed, or were replaced, from those that did not.
+std::string stateOf(const Source& source);
 
 // What the checks found out; `error` is empty when the product is good.
 struct Checked {
@@ -27,16 +33,13 @@ struct Checked {
 std::string toText(const Checked& checked);
 Checked parseChecked(const std::string& text);
 
-// Verifies the product in its part folder against its source, digests it, flushes it to the disk
-// and gives it its name.
+// Verifies the product in its part folder against its source, digests the same bytes, flushes them
+// to the disk and gives them their name.
 Checked checkAndPublish(const Source& source, const std::string& out, const std::string& product,
                         const std::vector<std::string>& states);
 
 // Whether verify finds nothing wrong with the source.
 bool isSound(const Source& source);
-
-// Size and digest of a file; `error` when it can't be read.
-FileRecord recordOfFile(const std::string& folder, const std::string& name, std::string& error);
 
 // The texts of the log's records of a severity, "WARN" or "ERR", each once.
 std::vector<std::string> logRecords(const std::string& path, const std::string& severity);

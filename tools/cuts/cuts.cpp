@@ -32,16 +32,21 @@ class Preparation {
 
   bool source(const Choice& choice) {
     std::string error;
-    if (!openSource(options_.ref, options_.rng, pair_, error)) return fail(error);
+    if (!paths()) return false;
+    inputs.state = stateOf(inputs);
+    verify::Source& database = inputs.database;
+    if (!openSource(options_.ref, options_.rng, database.pair, error)) return fail(error);
     std::vector<std::string> problems;
-    plans = planProducts(choice, pair_, problems);
+    plans = planProducts(choice, database.pair, problems);
     for (const std::string& problem : problems) fail(problem);
     if (!problems.empty()) return false;
     if (plans.empty()) return fail("there is no product to make");
     std::stable_sort(plans.begin(), plans.end(), [](const plan::Named& a, const plan::Named& b) {
       return a.plan.bytes() > b.plan.bytes();
     });
-    return paths() && program();
+    if (!program()) return false;
+    database.hash = verify::findHashPlaces(database.pair);
+    return true;
   }
 
   bool folder() {
@@ -72,7 +77,6 @@ class Preparation {
     return false;
   }
 
-  const verify::Pair& pair() const { return pair_; }
   std::vector<plan::Named> plans;  // the largest first
   std::string statecut;
   Source inputs;
@@ -95,7 +99,6 @@ class Preparation {
 
   const Options& options_;
   std::ostream& err_;
-  verify::Pair pair_;
   FolderLock lock_;
 };
 
@@ -151,7 +154,7 @@ int run(const Options& options, const Choice& choice, std::ostream& out, std::os
   if (!ready.source(choice) || !ready.folder()) return kCannotRun;
   Schedule schedule(options, ready.inputs, ready.statecut, ready.plans);
   std::string error;
-  if (!schedule.compare(ready.pair(), error)) return ready.fail(error), kCannotRun;
+  if (!schedule.compare(error)) return ready.fail(error), kCannotRun;
   std::vector<Room> rooms;
   Totals totals;
   totals.products = ready.plans.size();

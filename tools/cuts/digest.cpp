@@ -30,6 +30,15 @@ std::string hex(const unsigned char* bytes, std::size_t count) {
 
 }  // namespace
 
+std::string sha256OfBytes(std::span<const unsigned char> bytes, std::string& error) {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest;
+  unsigned int size = 0;
+  if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr) == 1)
+    return hex(digest.data(), size);
+  error = "no SHA-256 in the library";
+  return {};
+}
+
 std::string sha256OfFile(const std::string& path, std::string& error) {
   const Descriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   const auto failed = [&](const char* why) {

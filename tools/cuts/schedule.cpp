@@ -41,21 +41,9 @@ std::string lastLine(std::string text) {
   return at == std::string::npos ? text : text.substr(at + 1);
 }
 
-std::string stateOfFile(const std::string& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) return "gone";
-  std::string text;
-  for (const auto number : {std::uint64_t{status.st_dev}, std::uint64_t{status.st_ino},
-                            static_cast<std::uint64_t>(status.st_size),
-                            static_cast<std::uint64_t>(status.st_mtim.tv_sec),
-                            static_cast<std::uint64_t>(status.st_mtim.tv_nsec)})
-    text += std::to_string(number) + ' ';
-  return text;
-}
-
 }  // namespace
 
-Schedule::Schedule(const Options& options, const Source& source, const std::string& statecut,
+Schedule::Schedule(const Options& options, Source& source, const std::string& statecut,
                    const std::vector<plan::Named>& plans)
     : options_(options), source_(source), statecut_(statecut), plans_(plans) {}
 
@@ -65,10 +53,6 @@ std::string Schedule::pathOf(const std::string& product) const {
 
 std::string Schedule::partOf(const std::string& product) const {
   return options_.out + "/" + partName(product);
-}
-
-std::string Schedule::sourceState() const {
-  return stateOfFile(source_.ref) + stateOfFile(source_.rng);
 }
 
 // Calls the functions in processes of their own, as many at once as there may be cuts. False when
@@ -93,7 +77,8 @@ bool Schedule::callAll(const std::vector<std::function<std::string()>>& function
   return true;
 }
 
-bool Schedule::describeSource(const verify::Pair& pair, std::string& error) {
+bool Schedule::describeSource(std::string& error) {
+  const verify::Pair& pair = source_.database.pair;
   const auto named = [](const std::string& path, SourceRecord& record) {
     record.file.name = std::filesystem::path(path).filename().string();
   };
@@ -111,12 +96,11 @@ bool Schedule::describeSource(const verify::Pair& pair, std::string& error) {
       return sha256OfFile(path, ignored);
     };
   };
-  sourceState_ = sourceState();
   const auto sound = [this] { return std::string(isSound(source_) ? "sound" : ""); };
   if (!callAll({digest(source_.rng), digest(source_.ref), sound}, digests)) return true;
   manifest_.range.file.sha256 = digests[0];
   manifest_.reference.file.sha256 = digests[1];
-  source_.sound = digests[2] == "sound";
+  source_.database.sound = digests[2] == "sound";
   if (digests[0].empty() || digests[1].empty()) error = "the source can't be digested";
   return error.empty();
 }
@@ -130,8 +114,8 @@ bool Schedule::agrees(const Manifest& earlier, const plan::Named& named) const {
          stands(pathOf(named.name), found->second);
 }
 
-bool Schedule::compare(const verify::Pair& pair, std::string& error) {
-  if (!describeSource(pair, error)) return false;
+bool Schedule::compare(std::string& error) {
+  if (!describeSource(error)) return false;
   Manifest earlier = loadManifest(options_.out).value_or(Manifest{});
   saved_ = toText(earlier);
   if (earlier.version != manifest_.version || !(earlier.reference == manifest_.reference) ||
@@ -232,7 +216,7 @@ void Schedule::finishChecked(const Job& job, const Ended& ended) {
   if (ended.signal != 0 || ended.status != 0) return fail(job, reasonOf(job, ended));
   Checked checked = parseChecked(job.child.written());
   if (!checked.error.empty()) return fail(job, checked.error);
-  if (sourceState() != sourceState_) {
+  if (stateOf(source_) != source_.state) {
     why_ = "the source has changed";
     return fail(job, "the source changed while it was cut");
   }

@@ -20,11 +20,11 @@ namespace statecut::cuts {
 class Schedule {
  public:
   // `plans` in the order in which they are to be made.
-  Schedule(const Options& options, const Source& source, const std::string& statecut,
+  Schedule(const Options& options, Source& source, const std::string& statecut,
            const std::vector<plan::Named>& plans);
 
   // Digests the source, and what the manifest says is there. False when that can't be done.
-  bool compare(const verify::Pair& pair, std::string& error);
+  bool compare(std::string& error);
   [[nodiscard]] const std::vector<const plan::Named*>& toMake() const { return toMake_; }
 
   // Makes what is to be made. True when all products of the run are there in the end.
@@ -40,7 +40,7 @@ class Schedule {
     Clock::time_point begin;
   };
 
-  bool describeSource(const verify::Pair& pair, std::string& error);
+  bool describeSource(std::string& error);
   [[nodiscard]] bool agrees(const Manifest& earlier, const plan::Named& named) const;
   bool callAll(const std::vector<std::function<std::string()>>& functions,
                std::vector<std::string>& results);
@@ -51,7 +51,6 @@ class Schedule {
   void finishChecked(const Job& job, const Ended& ended);
   void fail(const Job& job, const std::string& why);
   [[nodiscard]] std::string reasonOf(const Job& job, const Ended& ended) const;
-  [[nodiscard]] std::string sourceState() const;
   void stopAll();
   void draw() const;
   bool save(bool now);
@@ -60,13 +59,12 @@ class Schedule {
   [[nodiscard]] std::string partOf(const std::string& product) const;
 
   const Options& options_;
-  Source source_;
+  Source& source_;
   const std::string& statecut_;
   const std::vector<plan::Named>& plans_;
   Signals signals_;
   Manifest manifest_;
-  std::string sourceState_;  // of its files, to tell when they change
-  std::string saved_;        // the manifest as it was last written
+  std::string saved_;  // the manifest as it was last written
   Clock::time_point savedAt_;
   std::vector<const plan::Named*> there_;
   std::vector<const plan::Named*> toMake_;

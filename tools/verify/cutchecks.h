@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "verify/hashplaces.h"
 #include "verify/pair.h"
 #include "verify/report.h"
 
@@ -25,6 +26,7 @@ struct DerivedCut {
 
 // A cut beside what it must hold.
 struct CutCase : DerivedCut {
+  const HashPlaces& hash;  // of the source
   const Pair& cut;
 };
 

@@ -35,9 +35,9 @@ void checkAlone(const Pair& pair, bool names, Report& report) {
   checkRangeLayout(pair, report);
 }
 
-void checkCut(const Pair& pair, const Pair& source, const std::vector<std::string>& states,
-              Report& report) {
-  const CutCase cut{deriveCut(source, states), pair};
+void compareCut(const Pair& pair, const Source& source, const std::vector<std::string>& states,
+                Report& report) {
+  const CutCase cut{deriveCut(source.pair, states), source.hash, pair};
   checkCutControl(cut, report);
   checkCutRangeControl(cut, report);
   if (!pair.isCut()) return;  // it holds other tables
@@ -47,6 +47,17 @@ void checkCut(const Pair& pair, const Pair& source, const std::vector<std::strin
   checkCutCities(cut, report);
   checkCutHash(cut, report);
   checkCutRange(cut, report);
+}
+
+// With a source, as a cut of it to the states.
+void checkInto(const Pair& pair, const Source* source, const std::vector<std::string>& states,
+               Report& report, std::string& error) {
+  if (!checkTypes(pair, report)) {
+    if (report.clean()) error = "nothing can be checked of files that are no database pair";
+    return;
+  }
+  checkAlone(pair, source == nullptr || !source->sound, report);
+  if (source != nullptr) compareCut(pair, *source, states, report);
 }
 
 }  // namespace
@@ -80,24 +91,34 @@ Report check(const Options& options, std::string& error) {
   if (!error.empty()) return report;
   const Pair pair = Pair::open(options.ref, options.rng, error);
   if (!error.empty()) return report;
-  Pair source;
-  std::optional<std::vector<std::string>> states;
-  if (options.withSource()) {
-    states = parseStates(options.states);
-    if (!states) error = "not a list of two-letter states: \"" + options.states + "\"";
-    if (error.empty()) source = Pair::open(options.sourceRef, options.sourceRng, error);
-    if (!error.empty()) return report;
-    if (const std::string problem = sourceProblem(source); !problem.empty()) {
-      error = "can't compare with " + options.sourceRef + ", " + options.sourceRng + ": " + problem;
-      return report;
-    }
-  }
-  if (!checkTypes(pair, report)) {
-    if (report.clean()) error = "nothing can be checked of files that are no database pair";
+  if (!options.withSource()) {
+    checkInto(pair, nullptr, {}, report, error);
     return report;
   }
-  checkAlone(pair, !(options.withSource() && options.soundSource), report);
-  if (states) checkCut(pair, source, *states, report);
+  const auto states = parseStates(options.states);
+  if (!states) error = "not a list of two-letter states: \"" + options.states + "\"";
+  Source source;
+  if (error.empty()) source.pair = Pair::open(options.sourceRef, options.sourceRng, error);
+  if (!error.empty()) return report;
+  if (const std::string problem = sourceProblem(source.pair); !problem.empty()) {
+    error = "can't compare with " + options.sourceRef + ", " + options.sourceRng + ": " + problem;
+    return report;
+  }
+  source.hash = findHashPlaces(source.pair);
+  checkInto(pair, &source, *states, report, error);
+  return report;
+}
+
+Report checkPair(const Pair& pair, std::string& error) {
+  Report report;
+  checkInto(pair, nullptr, {}, report, error);
+  return report;
+}
+
+Report checkCut(const Pair& cut, const Source& source, const std::vector<std::string>& states,
+                std::string& error) {
+  Report report;
+  checkInto(cut, &source, states, report, error);
   return report;
 }
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "verify/hashplaces.h"
+#include "verify/pair.h"
 #include "verify/report.h"
 
 namespace statecut::verify {
@@ -19,11 +21,17 @@ struct Options {
   std::string states;
   std::vector<std::string> ignored;  // ids of rules that make no findings
   bool json = false;
-  // The source was checked and nothing is wrong with it: the name index of a cut is right when it
-  // is the source's, renumbered, and is not searched for each name again.
-  bool soundSource = false;
 
   bool withSource() const { return !sourceRef.empty() || !sourceRng.empty() || !states.empty(); }
+};
+
+// A pair that many cuts are compared with: open, with what every comparison takes from it.
+struct Source {
+  Pair pair;
+  HashPlaces hash;
+  // It was checked and nothing is wrong with it: the name index of a cut is right when it is the
+  // source's, renumbered, and is not searched for each name again.
+  bool sound = false;
 };
 
 // Two-letter abbreviations, upper-cased, from a list separated by commas and blanks; nothing when
@@ -32,6 +40,11 @@ std::optional<std::vector<std::string>> parseStates(const std::string& list);
 
 // The findings; `error` says why there is no verdict.
 Report check(const Options& options, std::string& error);
+
+// The same of a pair that is open. It is not checked when it is no pair: `error` says so.
+Report checkPair(const Pair& pair, std::string& error);
+Report checkCut(const Pair& cut, const Source& source, const std::vector<std::string>& states,
+                std::string& error);
 
 // 0 nothing wrong, 1 findings, 2 the check can't run (why on `err`).
 int run(const Options& options, std::ostream& out, std::ostream& err);
