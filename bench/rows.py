@@ -41,6 +41,22 @@ ROWS = [
         "`cp` of each of the 63 pairs, a process each",
         "As `cut-warm`, state by state, a cut and its copy in turn; the sums of a round are compared.",
         "See `cut-small`: every cut loads the tables of the whole country."),
+    Row("cuts-made", "processes", "`statedb cuts --each --jobs 2`: cut, verified, digested, flushed",
+        "`cp` of the same files, a process a pair, one after the other",
+        "As `cut-each`, all products of a release at once and then all of their copies; wall time. "
+        "Both sources are digested, too, and the source is verified once. cp flushes nothing.",
+        "Two processors share the work. Beyond the cuts (`cuts-alone`) every byte is compared with "
+        "what follows from the source, digested by the processor's own SHA-256 instructions at "
+        "1.4 GB/s, which alone takes as long as its copy, and on the disk before its product has a "
+        "name."),
+    Row("cuts-alone", "processes", "the cuts of `statedb cuts --each` alone, two at once",
+        "`cp` of the same files, a process a pair, one after the other",
+        "As `cuts-made`; `xargs -P 2` starts a `statecut` a product.", "See `cut-each`."),
+    Row("cuts-plan", "processes", "`statedb plan --each`: the plans of all products",
+        "one `statedb info --json` of both files",
+        "Start to end of both processes, in turn; all files are in the page cache.",
+        "A plan derives what each of the 63 cuts would hold; `info` reads the control records and "
+        "the ZIP codes once."),
     Row("cut-floor", "processes", "cut of TX,OK and of DE, warm",
         "a bare program with the same reads and writes",
         "The moves of bytes of one cut, as `strace` lists them, replayed in their order between the "

@@ -12,15 +12,27 @@ namespace statecut::bench {
 namespace {
 
 constexpr std::pair<const char*, RowSamples (*)(const Setup&)> kRows[] = {
-    {"cut-warm", cutWarm},       {"cut-small", cutSmall},
-    {"cut-all", cutAll},         {"cut-each", cutEach},
-    {"cut-floor", cutFloor},     {"cut-cold", cutCold},
-    {"cut-synced", cutSynced},   {"cut-baseline", cutBaseline},
-    {"bytes-read", bytesRead},   {"bytes-written", bytesWritten},
-    {"memory-peak", memoryPeak}, {"memory-slope", memorySlope},
-    {"open-memory", openMemory}, {"open-baseline", openBaseline},
-    {"startup", startup},        {"query", query},
-    {"verify", verifyCut},       {"growth", growth}};
+    {"cut-warm", cutWarm},
+    {"cut-small", cutSmall},
+    {"cut-all", cutAll},
+    {"cut-each", cutEach},
+    {"cuts-made", productsMade},
+    {"cuts-alone", productsCut},
+    {"cuts-plan", planEach},
+    {"cut-floor", cutFloor},
+    {"cut-cold", cutCold},
+    {"cut-synced", cutSynced},
+    {"cut-baseline", cutBaseline},
+    {"bytes-read", bytesRead},
+    {"bytes-written", bytesWritten},
+    {"memory-peak", memoryPeak},
+    {"memory-slope", memorySlope},
+    {"open-memory", openMemory},
+    {"open-baseline", openBaseline},
+    {"startup", startup},
+    {"query", query},
+    {"verify", verifyCut},
+    {"growth", growth}};
 
 int measure(const Setup& setup, const Path& results, const std::vector<std::string>& rows) {
   for (const auto& [row, measureRow] : kRows) {
