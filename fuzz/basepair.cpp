@@ -303,6 +303,7 @@ std::int32_t runUtility(int argc, const char* const* argv) {
     // The tables that a cut keeps until the process ends.
     for (const SlotNumber slot : {kSlotHashTable, kSlotHashOverflow, kSlotMilitary, kSlotPobZones})
       releaseIfLive(refPointers[slot].table);
+    loadedTables.drop();
     expectNothingLeft("a finished run");
   }
   // What a failed run leaves until the process ends.
@@ -312,6 +313,7 @@ std::int32_t runUtility(int argc, const char* const* argv) {
   // A cut closes the reference input early and keeps the pointer.
   if (diskOpenFiles(nullptr) != 0) streamClose(pProcObj->files->reference);
   if (diskOpenFiles(nullptr) != 0) finding("a failed run loses an open file");
+  loadedTables.drop();
   releaseLiveBlocks();
   scZipCodeIndex = nullptr;
   scCityNames = nullptr;

@@ -217,6 +217,10 @@ std::int64_t readAt(int fd, void* to, std::size_t count, std::uint64_t offset) {
   return d == nullptr ? fail(EBADF) : readFrom(*d->file, to, count, offset);
 }
 
+std::int64_t readPresent(int fd, void* to, std::size_t count, std::uint64_t offset) {
+  return readAt(fd, to, count, offset);
+}
+
 std::int64_t writeNext(int fd, const void* from, std::size_t count) {
   Descriptor* d = descriptorOf(fd);
   return d == nullptr ? fail(EBADF) : writeTo(*d, from, count);
@@ -233,12 +237,13 @@ std::uint64_t fileBytes(int fd) {
   return d == nullptr ? 0 : d->file->size();
 }
 
-std::size_t appendRange(int to, int from, std::uint64_t offset, std::size_t count) {
-  Descriptor* target = descriptorOf(to);
-  const std::uint64_t size = fileBytes(from);
-  if (target == nullptr || count == 0 || offset >= size || count > size - offset) return 0;
-  const std::int64_t put = writeTo(*target, descriptorOf(from)->file->data() + offset, count);
-  return put < 0 ? 0 : static_cast<std::size_t>(put);
+int reserveBytes(int /*fd*/, std::uint64_t /*offset*/, std::uint64_t /*count*/) { return 0; }
+
+int truncateFile(int fd, std::uint64_t bytes) {
+  Descriptor* d = descriptorOf(fd);
+  if (d == nullptr || d->file->input != nullptr) return static_cast<int>(fail(EBADF));
+  if (bytes < d->file->bytes.size()) d->file->bytes.resize(bytes);
+  return 0;
 }
 
 int closeFile(int fd) {
@@ -265,9 +270,11 @@ void release(void* block) {
   std::free(block);
 }
 
-void* allocateLarge(std::size_t bytes) { return allocateZeroed(bytes); }
+void* mapZeroed(std::size_t bytes) { return allocateZeroed(bytes); }
 
-void releaseLarge(void* block, std::size_t /*bytes*/) { release(block); }
+void unmapZeroed(void* block, std::size_t /*bytes*/) { release(block); }
+
+int adviseLargePages(void* /*block*/, std::size_t /*bytes*/) { return 0; }
 
 void* mapFile(int fd, std::size_t bytes) {
   void* const block = allocateZeroed(bytes);

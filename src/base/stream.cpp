@@ -18,7 +18,10 @@ Stream* openStreams = nullptr;
 Stream* closedStreams = nullptr;  // marks that closed streams left
 
 void flushOpenStreams() {
-  for (Stream* stream = openStreams; stream != nullptr; stream = stream->next) streamFlush(stream);
+  for (Stream* stream = openStreams; stream != nullptr; stream = stream->next) {
+    streamFlush(stream);
+    streamTrim(stream);
+  }
 }
 
 void enlist(Stream* stream) {
@@ -29,10 +32,18 @@ void enlist(Stream* stream) {
   openStreams = stream;
 }
 
+// Whether an open stream may be appended to.
+bool appends() {
+  const Stream* stream = openStreams;
+  while (stream != nullptr && (!stream->writable || stream->append)) stream = stream->next;
+  return stream != nullptr;
+}
+
 void delist(Stream* stream) {
   if (stream->previous != nullptr) stream->previous->next = stream->next;
   if (stream->next != nullptr) stream->next->previous = stream->previous;
   if (openStreams == stream) openStreams = stream->next;
+  if (!appends()) streamDropWindow();
 }
 
 }  // namespace
@@ -93,6 +104,7 @@ namespace {
 int closeFileOf(Stream* stream) {
   int result = streamFlush(stream);
   int code = errno;
+  streamTrim(stream);
   if (sys::closeFile(stream->fd) != 0 && result == 0 && errno != EINTR) {
     result = -1;
     code = errno;

@@ -25,7 +25,16 @@ std::size_t streamWrite(Stream* stream, const void* from, std::size_t count);
 // many; 0 when it can't or when `count` is too small to pay. The caller copies the rest by
 // streamRead and streamWrite, which meet whatever failed here: it sets no indicator itself, except
 // of a `to` that can't be flushed.
-std::size_t streamAppend(Stream* to, Stream* from, std::uint64_t offset, std::uint64_t count);
+enum class Pages : std::uint8_t { kPresent, kAny };  // which may be read: those in memory, or all
+std::size_t streamAppend(Stream* to, Stream* from, std::uint64_t offset, std::uint64_t count,
+                         Pages pages = Pages::kAny);
+
+// True when the first of these bytes, as many as are too few to append, are in memory.
+[[nodiscard]] bool streamIsPresent(const Stream* from, std::uint64_t offset, std::uint64_t count);
+
+// Tells how many bytes will be written next: a wish for room on the disk in one piece. The file's
+// size stays, and what is not needed goes back when the stream is closed.
+void streamReserve(Stream* stream, std::uint64_t bytes);
 
 // Bytes of a regular file, 0 for anything else.
 [[nodiscard]] std::uint64_t streamSize(const Stream* stream);

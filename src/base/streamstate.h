@@ -33,10 +33,16 @@ struct Stream {
   std::size_t window = kFirstWindow;
   // Writing: the buffer holds `pending` bytes that the file has not got yet.
   std::size_t pending = 0;
+  std::uint64_t reservedTo = 0;  // room of the file on the disk that was asked for; 0: none
   // Open streams form a list, flushed at normal process exit.
   Stream* next = nullptr;
   Stream* previous = nullptr;
 };
+
+// Gives room back that was reserved behind the end of the file.
+void streamTrim(Stream* stream);
+// Releases the window of streamAppend.
+void streamDropWindow();
 
 // Sets the error indicator and errno; the first failure is kept.
 void streamFail(Stream* stream, int code);

@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cstdlib>
+
+#include "base/sanitizer.h"
 
 namespace statecut::sys {
 
@@ -21,6 +24,11 @@ std::int64_t readNext(int fd, void* to, std::size_t count) { return ::read(fd, t
 
 std::int64_t readAt(int fd, void* to, std::size_t count, std::uint64_t offset) {
   return ::pread(fd, to, count, static_cast<off_t>(offset));
+}
+
+std::int64_t readPresent(int fd, void* to, std::size_t count, std::uint64_t offset) {
+  const iovec piece{to, count};
+  return ::preadv2(fd, &piece, 1, static_cast<off_t>(offset), RWF_NOWAIT);
 }
 
 std::int64_t writeNext(int fd, const void* from, std::size_t count) {
@@ -42,20 +50,12 @@ std::uint64_t fileBytes(int fd) {
   return static_cast<std::uint64_t>(status.st_size);
 }
 
-// The bytes go from one page cache to the other in one copy. Only the kernel touches the mapping: a
-// page that can't be had, as when the file shrinks, is a short write and no signal.
-std::size_t appendRange(int to, int from, std::uint64_t offset, std::size_t count) {
-  static const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
-  const std::uint64_t size = fileBytes(from);
-  if (count == 0 || offset >= size || count > size - offset) return 0;
-  const auto lead = static_cast<std::size_t>(offset % page);
-  void* const map = ::mmap(nullptr, lead + count, PROT_READ, MAP_SHARED | MAP_POPULATE, from,
-                           static_cast<off_t>(offset - lead));
-  if (map == MAP_FAILED) return 0;
-  const ssize_t put = ::write(to, static_cast<const unsigned char*>(map) + lead, count);
-  ::munmap(map, lead + count);
-  return put < 0 ? 0 : static_cast<std::size_t>(put);
+int reserveBytes(int fd, std::uint64_t offset, std::uint64_t count) {
+  return ::fallocate(fd, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
+                     static_cast<off_t>(count));
 }
+
+int truncateFile(int fd, std::uint64_t bytes) { return ::ftruncate(fd, static_cast<off_t>(bytes)); }
 
 int closeFile(int fd) { return ::close(fd); }
 
@@ -67,32 +67,43 @@ namespace {
 
 constexpr std::size_t kLargePage = std::size_t{2} << 20;
 
-constexpr std::size_t inLargePages(std::size_t bytes) {
-  return (bytes + kLargePage - 1) / kLargePage * kLargePage;
+constexpr std::size_t inWholePages(std::size_t bytes) {
+  constexpr std::size_t kPage = 4096;
+  const std::size_t page = bytes < kLargePage ? kPage : kLargePage;
+  return (bytes + page - 1) / page * page;
+}
+
+void* mapPages(std::size_t bytes) {
+  void* const map =
+      ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  return map == MAP_FAILED ? nullptr : map;
 }
 
 }  // namespace
 
-// A region that begins and ends with a large page, out of one that is a page larger. Less than one
-// page comes from the heap.
-void* allocateLarge(std::size_t bytes) {
-  if (bytes < kLargePage) return std::calloc(bytes, 1);
-  const std::size_t wanted = inLargePages(bytes);
-  void* const map = ::mmap(nullptr, wanted + kLargePage, PROT_READ | PROT_WRITE,
-                           MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (map == MAP_FAILED) return nullptr;
-  auto* const first = static_cast<unsigned char*>(map);
+// A region that begins and ends with a large page is cut out of one that is a page larger. Under
+// the sanitizer it comes from its heap, whose checks and limits hold then.
+void* mapZeroed(std::size_t bytes) {
+  if (kAddressSanitizer) return std::calloc(bytes, 1);
+  const std::size_t wanted = inWholePages(bytes);
+  if (wanted < bytes) return nullptr;
+  if (wanted < kLargePage) return mapPages(wanted);
+  auto* const first = static_cast<unsigned char*>(mapPages(wanted + kLargePage));
+  if (first == nullptr) return nullptr;
   const std::size_t odd = reinterpret_cast<std::uintptr_t>(first) % kLargePage;
   const std::size_t lead = odd == 0 ? 0 : kLargePage - odd;
   if (lead != 0) ::munmap(first, lead);
   ::munmap(first + lead + wanted, kLargePage - lead);
-  ::madvise(first + lead, wanted, MADV_HUGEPAGE);  // a wish
   return first + lead;
 }
 
-void releaseLarge(void* block, std::size_t bytes) {
-  if (block == nullptr || bytes < kLargePage) return std::free(block);
-  ::munmap(block, inLargePages(bytes));
+void unmapZeroed(void* block, std::size_t bytes) {
+  if (kAddressSanitizer) return std::free(block);
+  ::munmap(block, inWholePages(bytes));
+}
+
+int adviseLargePages(void* block, std::size_t bytes) {
+  return ::madvise(block, inWholePages(bytes), MADV_HUGEPAGE);
 }
 
 void* mapFile(int fd, std::size_t bytes) {

@@ -44,11 +44,12 @@ Rest restOf(const ProcObj* proc, std::uint32_t rba, std::uint32_t bytes, std::ui
 
 }  // namespace
 
-std::uint64_t moveAtOnce(const CopyPath& path, std::uint64_t offset, std::uint64_t bytes) {
+std::uint64_t moveAtOnce(const CopyPath& path, std::uint64_t offset, std::uint64_t bytes,
+                         Pages pages) {
   if (path.from == nullptr || path.to == nullptr || inError(path.from) || inError(path.to)) {
     return 0;
   }
-  return appendFile(path.to, path.from, offset, bytes, path.proc);
+  return appendFile(path.to, path.from, offset, bytes, pages, path.proc);
 }
 
 std::int32_t copyRest(const CopyPath& path, std::uint32_t rba, std::uint32_t bytes,
@@ -85,7 +86,7 @@ std::int32_t copyPartition(std::uint32_t rba, std::uint32_t bytes) {
   if (path.from != nullptr && inOnePiece(rba, bytes, streamSize(path.from))) {
     std::uint64_t part = 1;
     while (part != 0) {
-      part = moveAtOnce(path, std::uint64_t{rba} + moved, bytes - moved);
+      part = moveAtOnce(path, std::uint64_t{rba} + moved, bytes - moved, Pages::kAny);
       moved += static_cast<std::uint32_t>(part);
     }
   }

@@ -27,7 +27,8 @@ struct CopyPath {
 
 // Moves what it can at once of bytes that the source has in one piece. The bytes moved; 0 also of
 // a null stream and of one in error.
-std::uint64_t moveAtOnce(const CopyPath& path, std::uint64_t offset, std::uint64_t bytes);
+std::uint64_t moveAtOnce(const CopyPath& path, std::uint64_t offset, std::uint64_t bytes,
+                         Pages pages);
 
 // Copies a partition of which the first `moved` bytes are moved already, and counts the reads that
 // these save. 0, or -1 (said on standard output) when a read or write fails.

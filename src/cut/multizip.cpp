@@ -149,6 +149,7 @@ void planPartitions(RangePlan& plan) {
     plan.add(multiZipKeys[key].oldRba, bytes);
     total += bytes;
   }
+  plan.reserve();
   if (progressWanted()) progressStep("Multi-ZIP partitions", total);
 }
 

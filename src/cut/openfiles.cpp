@@ -72,6 +72,10 @@ Stream* openOutput(const char* path) {
   return streamOpen(path, "wb");
 }
 
+void reserveOutput(Stream* stream, std::uint64_t bytes) {
+  if (stream != nullptr) streamReserve(stream, bytes);
+}
+
 void forgetEarlierCut() {
   for (Stream** left : {&newRefDb, &newRangeDb}) {
     streamClose(*left);

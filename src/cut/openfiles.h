@@ -13,6 +13,9 @@ inline constexpr std::size_t kMaxOutputPath = 255;  // bytes of an output's name
 // Creates or truncates an output. Null on failure, errno set: ENAMETOOLONG for a longer name.
 [[nodiscard]] Stream* openOutput(const char* path);
 
+// Tells how many bytes an output will get next. Null: nothing.
+void reserveOutput(Stream* stream, std::uint64_t bytes);
+
 // Closes the outputs that an earlier, failed cut left open and forgets its failures.
 void forgetEarlierCut();
 

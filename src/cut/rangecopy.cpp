@@ -115,6 +115,7 @@ std::int32_t buildZipEntryPoints() {
   const std::uint64_t sfh = planKind(planned, kSfh, ZipDataRow::sfhRba);
   const std::uint64_t pob = planKind(planned, kPob, ZipDataRow::pobRba);
   const std::uint64_t rr = planKind(planned, kRr, ZipDataRow::rrRba);
+  plan.reserve();
   std::int32_t status = copyKind(plan, kSfhKind, sfh, ZipDataRow::sfhRba);
   if (status == 0) status = copyKind(plan, kPobKind, pob, ZipDataRow::pobRba);
   if (status == 0) status = copyKind(plan, kRrKind, rr, ZipDataRow::rrRba);

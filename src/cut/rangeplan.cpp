@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cut/openfiles.h"
+
 namespace statecut {
 
 namespace {
@@ -28,7 +30,11 @@ void RangePlan::add(std::uint32_t rba, std::uint32_t bytes) {
     runs_.push_back({rba, rba, rba, std::uint64_t{rba} + bytes});
   }
   joinable_ = inside;
+  planned_ += bytes;
 }
+
+// Not more than the source has: in a damaged one partitions can lie over each other.
+void RangePlan::reserve() const { reserveOutput(path_.to, std::min(planned_, sourceBytes_)); }
 
 std::int32_t RangePlan::copy(std::uint32_t rba, std::uint32_t bytes) {
   if (!inSource(rba, bytes) || current_ == runs_.size() || runs_[current_].next != rba) {
@@ -49,13 +55,28 @@ std::int32_t RangePlan::copy(std::uint32_t rba, std::uint32_t bytes) {
   return status;
 }
 
-// Moves a piece of the run. False when none moved.
+// Moves a piece of the run. False when none moved. Nothing is announced as long as all pages are
+// in memory; behind the first that is not, the rest of the plan is.
 bool RangePlan::advance(Run& run) {
-  lookAhead();
-  const std::uint64_t put = moveAtOnce(path_, run.moved, run.end - run.moved);
+  std::uint64_t put = 0;
+  if (!announces_) put = moveAtOnce(path_, run.moved, run.end - run.moved, Pages::kPresent);
+  if (put == 0) {
+    if (announces_ || !streamIsPresent(path_.from, run.moved, run.end - run.moved)) announce(run);
+    put = moveAtOnce(path_, run.moved, run.end - run.moved, Pages::kAny);
+  }
   run.moved += put;
   moved_ += put;
   return put != 0;
+}
+
+void RangePlan::announce(const Run& run) {
+  if (!announces_) {
+    announces_ = true;
+    announced_ = current_;
+    announcedInRun_ = run.moved - run.begin;
+    announcedBytes_ = moved_;
+  }
+  lookAhead();
 }
 
 void RangePlan::lookAhead() {

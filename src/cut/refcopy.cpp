@@ -138,6 +138,34 @@ constexpr LoadedTable kZipIndex = {TableId::kZipIndex, logsite::kZipCodeIndex, "
 
 bool outOfMemory = false;
 
+constexpr bool isLoaded(const TableLine& table) {
+  return table.fate == Fate::kEdited || table.fate == Fate::kRebuilt ||
+         (table.fate == Fate::kDropped && table.id != TableId::kScfs);
+}
+
+// The block for the tables, as far as the source can fill them: what a damaged record counts beyond
+// that takes its memory by itself.
+void makeArena(const RefControlRec& record) {
+  const std::uint64_t most = streamSize(pProcObj->files->reference);
+  std::uint64_t bytes = 0;
+  std::size_t tables = 0;
+  for (const TableLine& table : kDirectory) {
+    const std::int64_t size = isLoaded(table) ? tableBytes(record, table.id) : 0;
+    if (size <= 0 || static_cast<std::uint64_t>(size) > most) continue;
+    bytes += static_cast<std::uint64_t>(size);
+    ++tables;
+  }
+  loadedTables.make(std::min(bytes, most), tables);
+}
+
+// What the first pass writes.
+void reserveCopies(const RefControlRec& record) {
+  std::uint64_t bytes = RefControlRec::size;
+  for (const TableLine& table : kDirectory)
+    if (isCopied(table)) bytes += carriedBytes(record, table.id);
+  reserveOutput(newRefDb, std::min(bytes, streamSize(pProcObj->files->reference)));
+}
+
 std::int32_t loadTable(const LoadedTable& table) {
   const RefControlRec* record = refRecord();
   if (record == nullptr) return table.failure;
@@ -172,6 +200,9 @@ std::int32_t copyRefDb() {
   if (record == nullptr) return -1;
   keepHashMask(record->get(RefControlRec::hashTableCount));
   markStateCut(*record);
+  makeArena(*record);
+  const TableArena::Use use(loadedTables);
+  reserveCopies(*record);
   writePartition(record->bytes.data(), RefControlRec::size);  // holds the final record's place
   for (const Step& step : kSteps) {
     if (!take(step, *record)) return -1;

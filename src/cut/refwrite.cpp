@@ -28,6 +28,14 @@ const void* contentOf(const TableLine& table) {
   }
 }
 
+void reserveTables(const RefControlRec& record) {
+  std::uint64_t bytes = 0;
+  for (const TableLine& table : kDirectory)
+    if (table.fate == Fate::kEdited || table.fate == Fate::kRebuilt)
+      bytes += carriedBytes(record, table.id);
+  reserveOutput(newRefDb, bytes);
+}
+
 void writeEditedAndRebuilt(RefControlRec& record) {
   for (const TableLine& table : kDirectory) {
     if (table.fate != Fate::kEdited && table.fate != Fate::kRebuilt) continue;
@@ -58,6 +66,7 @@ std::int32_t writeRefDb() {
   RefControlRec* record = refRecord();
   if (record == nullptr) return 0;
   markStateCut(*record);
+  reserveTables(*record);
   writeEditedAndRebuilt(*record);
   writeCountedByItself(tableLine(TableId::kMilitary), kSlotMilitaryHeader, *record);
   writeCountedByItself(tableLine(TableId::kPobZones), kSlotPobZoneCount, *record);

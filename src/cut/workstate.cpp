@@ -9,6 +9,7 @@ namespace statecut {
 
 Stream* newRefDb = nullptr;
 Stream* newRangeDb = nullptr;
+TableArena loadedTables;
 std::uint32_t totalBytes = 0;
 std::uint32_t totalRngBytes = 0;
 

@@ -6,6 +6,7 @@
 
 #include "base/procobj.h"
 #include "base/stream.h"
+#include "base/tablearena.h"
 #include "dbfiles/controlrec.h"
 #include "tables/directory.h"
 #include "tables/rows.h"
@@ -23,6 +24,10 @@ struct MultiZipKey {
 // too), watched and closed by openfiles.
 extern Stream* newRefDb;
 extern Stream* newRangeDb;
+
+// The block of the tables that a cut loads: made by refcopy, and by the next cut anew, as some of
+// them stay to the end of the process.
+extern TableArena loadedTables;
 
 // Bytes written to each output, the RBA of what comes next. totalBytes: set to 0 by refcopy, raised
 // by refwrite and blockcopy, read by both where a table's RBA is stored. totalRngBytes: set by

@@ -23,7 +23,7 @@ std::int32_t writeFile(Stream* fp, std::uint32_t count, const void* buffer, Proc
 // As streamAppend and streamFlush (null: 0); a flush that fails is logged as a failed write of what
 // the buffer held.
 std::size_t appendFile(Stream* to, Stream* from, std::uint64_t rba, std::uint64_t count,
-                       ProcObj* proc);
+                       Pages pages, ProcObj* proc);
 int flushFile(Stream* fp, ProcObj* proc);
 
 Stream* openWriteFile(ProcObj* proc, const char* path);

@@ -78,9 +78,9 @@ std::int32_t writeFile(Stream* fp, std::uint32_t count, const void* buffer, Proc
 }
 
 std::size_t appendFile(Stream* to, Stream* from, std::uint64_t rba, std::uint64_t count,
-                       ProcObj* proc) {
+                       Pages pages, ProcObj* proc) {
   const Waiting waiting(to);
-  const std::size_t moved = streamAppend(to, from, rba, count);
+  const std::size_t moved = streamAppend(to, from, rba, count, pages);
   waiting.reportLost(proc);
   return moved;
 }

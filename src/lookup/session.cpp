@@ -1,12 +1,15 @@
 #include "lookup/session.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
 #include "base/memory.h"
 #include "base/samefile.h"
+#include "base/tablearena.h"
 #include "dbfiles/apiutil.h"
 #include "lookup/refaccess.h"
+#include "tables/directory.h"
 
 namespace statecut {
 
@@ -36,6 +39,24 @@ bool loadSet(const SetReader& set, ProcObj* proc) {
   }
   if (set.set == kHashSet) dropHashMask();
   return false;
+}
+
+// A block for the tables of the sets, as far as the file can fill them.
+void makeArena(std::uint32_t sets, const RefControlRec& record, std::uint64_t most,
+               TableArena& arena) {
+  std::uint64_t bytes = 0;
+  std::size_t tables = 0;
+  for (const SetReader& set : setReaders()) {
+    if ((sets & set.set) == 0) continue;
+    for (const TableLine& table : kDirectory) {
+      const std::int64_t size = tableBytes(record, table.id);
+      if (size <= 0 || static_cast<std::uint64_t>(size) > most) continue;
+      if (std::find(set.slots.begin(), set.slots.end(), table.slot) == set.slots.end()) continue;
+      bytes += static_cast<std::uint64_t>(size);
+      ++tables;
+    }
+  }
+  arena.make(std::min(bytes, most), tables);
 }
 
 std::string cannotOpen(const std::string& path) {
@@ -134,6 +155,7 @@ void Session::close() {
   if (pProcObj != &proc_) return;
   chFreeStageBuffer();
   freeTables();
+  arenas_.clear();
   streamClose(proc_.fileRecord.reference);
   streamClose(proc_.fileRecord.range);
   utlLogMsgClose(&proc_.fileRecord.log);
@@ -148,19 +170,24 @@ void Session::close() {
   pairMatches_ = true;
 }
 
+// In memory: the tables of the sets lie in one block.
+bool Session::loadSets(std::uint32_t sets) {
+  TableArena& arena = *arenas_.emplace_back(std::make_shared<TableArena>());
+  makeArena(sets, ref(), streamSize(proc_.fileRecord.reference), arena);
+  const TableArena::Use use(arena);
+  for (const SetReader& set : setReaders())
+    if ((sets & set.set) != 0 && !loadSet(set, &proc_)) failed_ |= set.set;
+  if ((sets & (kStreetPhoneticSet | kStreetStandardSet)) != 0) fillStreetVariations(&proc_, false);
+  return (sets & failed_) == 0;
+}
+
 bool Session::prepareNew(std::uint32_t sets) {
   prepared_ |= sets;
   if (mode_ == LookupMode::kOff) return true;
-  for (const SetReader& set : setReaders()) {
-    if ((sets & set.set) == 0) continue;
-    if (mode_ == LookupMode::kIn) {
-      if (!loadSet(set, &proc_)) failed_ |= set.set;
-    } else if (decidesVariants(set.set)) {
+  if (mode_ == LookupMode::kIn) return loadSets(sets);
+  for (const SetReader& set : setReaders())
+    if ((sets & set.set) != 0 && decidesVariants(set.set))
       chooseVariants(set.set, loadSet(set, &proc_));
-    }
-  }
-  if (mode_ == LookupMode::kIn && (sets & (kStreetPhoneticSet | kStreetStandardSet)) != 0)
-    fillStreetVariations(&proc_, false);
   return (sets & failed_) == 0;
 }
 

@@ -3,7 +3,9 @@
 // have one state a process, so one session can be open at a time.
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "../base/procobj.h"
 #include "../dbfiles/controlrec.h"
@@ -12,6 +14,8 @@
 #include "../lookup/tablesets.h"
 
 namespace statecut {
+
+class TableArena;
 
 // Where the lookup pointers lead: to loaded tables, to the file, or as each first call decides.
 enum class LookupMode : std::uint8_t { kIn, kOff, kFirst };
@@ -61,6 +65,7 @@ class Session {
   [[nodiscard]] bool buildCache(const SessionSettings& settings, std::string& error);
   [[nodiscard]] bool openAll(const SessionSettings& settings, std::string& error);
   bool prepareNew(std::uint32_t sets);
+  bool loadSets(std::uint32_t sets);
 
   ProcObj proc_{};
   OptionsRecord options_{};
@@ -69,6 +74,7 @@ class Session {
   std::uint32_t prepared_ = 0;
   std::uint32_t failed_ = 0;  // in memory: not loaded
   bool pairMatches_ = true;
+  std::vector<std::shared_ptr<TableArena>> arenas_;  // in memory: of the tables
 };
 
 }  // namespace statecut

@@ -6,25 +6,27 @@ namespace statecut {
 
 Block Block::allocated(std::size_t bytes) {
   Block block;
-  block.data_ = static_cast<unsigned char*>(sys::allocateLarge(bytes));
+  block.large_ = LargeBlock(bytes);
+  block.data_ = block.large_.data();
+  if (block.data_ == nullptr) {
+    block.kind_ = Kind::kHeap;
+    block.data_ = static_cast<unsigned char*>(sys::allocateZeroed(bytes));
+  }
   block.bytes_ = block.data_ == nullptr ? 0 : bytes;
   return block;
 }
 
 Block Block::mapped(int fd, std::size_t bytes) {
   Block block;
-  block.isMapped_ = true;
+  block.kind_ = Kind::kFile;
   block.data_ = static_cast<unsigned char*>(sys::mapFile(fd, bytes));
   block.bytes_ = block.data_ == nullptr ? 0 : bytes;
   return block;
 }
 
 void Block::reset() {
-  if (data_ == nullptr) return;
-  if (isMapped_)
-    sys::unmapFile(data_, bytes_);
-  else
-    sys::releaseLarge(data_, bytes_);
+  if (data_ != nullptr && kind_ == Kind::kFile) sys::unmapFile(data_, bytes_);
+  if (data_ != nullptr && kind_ == Kind::kHeap) sys::release(data_);
   data_ = nullptr;
 }
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "../base/largeblock.h"
+
 namespace statecut {
 
 class Block {
@@ -26,15 +28,19 @@ class Block {
 
  private:
   void swap(Block& other) noexcept {
+    std::swap(large_, other.large_);
     std::swap(data_, other.data_);
     std::swap(bytes_, other.bytes_);
-    std::swap(isMapped_, other.isMapped_);
+    std::swap(kind_, other.kind_);
   }
   void reset();
 
+  enum class Kind : std::uint8_t { kLarge, kHeap, kFile };
+
+  LargeBlock large_;
   unsigned char* data_ = nullptr;
   std::size_t bytes_ = 0;
-  bool isMapped_ = false;
+  Kind kind_ = Kind::kLarge;
 };
 
 }  // namespace statecut

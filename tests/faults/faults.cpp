@@ -1,6 +1,8 @@
 #include "faults.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/writer.h"
@@ -100,9 +102,23 @@ std::vector<FaultPlan> faultsOf(FaultKind kind) {
     case FaultKind::kFlush:
       addWrites(plans, kind);
       break;
-    case FaultKind::kAppend:
-      for (const Mode mode : {Mode::kOnce, Mode::kForGood, Mode::kShort, Mode::kShortForGood})
+    case FaultKind::kPresent:
+      for (const Mode mode : {Mode::kShort, Mode::kShortForGood, Mode::kNothing})
         add(plans, kind, mode, 0);
+      for (const int error : {EAGAIN, EOPNOTSUPP}) add(plans, kind, Mode::kOnce, error);
+      add(plans, kind, Mode::kForGood, EAGAIN);
+      break;
+    case FaultKind::kReserve:
+      for (const int error : {ENOSPC, EOPNOTSUPP}) add(plans, kind, Mode::kOnce, error);
+      add(plans, kind, Mode::kForGood, ENOSPC);
+      break;
+    case FaultKind::kTruncate:
+      add(plans, kind, Mode::kForGood, EIO);
+      break;
+    case FaultKind::kMap:
+    case FaultKind::kAdvise:
+      add(plans, kind, Mode::kOnce, ENOMEM);
+      add(plans, kind, Mode::kForGood, ENOMEM);
       break;
     case FaultKind::kClose:
       add(plans, kind, Mode::kOnce, ENOSPC);
@@ -120,9 +136,15 @@ std::vector<FaultPlan> faultsOf(FaultKind kind) {
   return plans;
 }
 
+bool isHint(FaultKind kind) {
+  constexpr FaultKind kHints[] = {FaultKind::kPresent, FaultKind::kReserve, FaultKind::kTruncate,
+                                  FaultKind::kMap, FaultKind::kAdvise};
+  return std::find(std::begin(kHints), std::end(kHints), kind) != std::end(kHints);
+}
+
 bool isHarmless(const FaultPlan& plan) {
   return plan.mode == Mode::kShort || plan.mode == Mode::kShortForGood || plan.error == EINTR ||
-         plan.kind == FaultKind::kAppend;
+         isHint(plan.kind);
 }
 
 std::string kindName(FaultKind kind) {

@@ -31,8 +31,11 @@ const SmallPair& widePair();   // the same five, with partitions and tables that
 std::vector<FaultPlan> faultsOf(FaultKind kind);
 
 // True for a fault that changes nothing: a short transfer goes on, an interrupted call is repeated,
-// what cannot be appended is read and written.
+// and what only makes a run faster is done without.
 [[nodiscard]] bool isHarmless(const FaultPlan& plan);
+
+// True for calls that only make a run faster.
+[[nodiscard]] bool isHint(FaultKind kind);
 
 // The next N after `n`: each in the long tier, else ever fewer.
 [[nodiscard]] inline std::uint32_t nextCall(std::uint32_t n) {
@@ -64,9 +67,10 @@ void forEachFault(FaultKind kind, Run&& run) {
 }
 
 inline constexpr FaultKind kAllFaultKinds[] = {
-    FaultKind::kOpen,  FaultKind::kSeek,     FaultKind::kRead,
-    FaultKind::kWrite, FaultKind::kFlush,    FaultKind::kAppend,
-    FaultKind::kClose, FaultKind::kAllocate, FaultKind::kNew};
+    FaultKind::kOpen,  FaultKind::kSeek,  FaultKind::kRead,     FaultKind::kPresent,
+    FaultKind::kWrite, FaultKind::kFlush, FaultKind::kReserve,  FaultKind::kTruncate,
+    FaultKind::kClose, FaultKind::kMap,   FaultKind::kAllocate, FaultKind::kAdvise,
+    FaultKind::kNew};
 
 // "read", for the names of tests.
 std::string kindName(FaultKind kind);

@@ -36,7 +36,7 @@ struct KillPlan {
 constexpr std::size_t kBlockHeader = alignof(std::max_align_t);  // holds the size
 
 bool armed = false;
-bool rangeCopies = true;
+bool maps = true;
 FaultPlan plan;
 KillPlan kill;
 
@@ -107,18 +107,21 @@ std::int64_t written(FaultKind kind, int fd, const void* from, std::size_t count
 }
 
 constexpr std::array<const char*, kFaultKinds> kKindNames = {
-    "open", "seek", "read", "write", "flush", "append", "close", "allocate", "new"};
+    "open",     "seek",  "read",     "present", "write",  "flush", "reserve",
+    "truncate", "close", "allocate", "map",     "advise", "new"};
 constexpr std::array<const char*, 6> kModeNames = {"once",      "good",    "short",
                                                    "shortgood", "nothing", "nothinggood"};
-constexpr std::array<std::pair<const char*, int>, 9> kErrors = {{{"0", 0},
-                                                                 {"EIO", EIO},
-                                                                 {"ENOSPC", ENOSPC},
-                                                                 {"EFBIG", EFBIG},
-                                                                 {"ENOMEM", ENOMEM},
-                                                                 {"ENOENT", ENOENT},
-                                                                 {"EACCES", EACCES},
-                                                                 {"EMFILE", EMFILE},
-                                                                 {"EINTR", EINTR}}};
+constexpr std::array<std::pair<const char*, int>, 11> kErrors = {{{"0", 0},
+                                                                  {"EAGAIN", EAGAIN},
+                                                                  {"EOPNOTSUPP", EOPNOTSUPP},
+                                                                  {"EIO", EIO},
+                                                                  {"ENOSPC", ENOSPC},
+                                                                  {"EFBIG", EFBIG},
+                                                                  {"ENOMEM", ENOMEM},
+                                                                  {"ENOENT", ENOENT},
+                                                                  {"EACCES", EACCES},
+                                                                  {"EMFILE", EMFILE},
+                                                                  {"EINTR", EINTR}}};
 
 }  // namespace
 
@@ -156,7 +159,7 @@ void armFaults(const FaultPlan& with) {
   armed = true;
 }
 
-void allowRangeCopies(bool allowed) { rangeCopies = allowed; }
+void allowMaps(bool allowed) { maps = allowed; }
 void disarmFaults() { armed = false; }
 std::uint32_t callsOf(FaultKind kind) { return shared().calls[static_cast<std::size_t>(kind)]; }
 std::uint32_t faultsFired() { return shared().fired; }
@@ -202,6 +205,13 @@ std::int64_t readAt(int fd, void* to, std::size_t count, std::uint64_t offset) {
   });
 }
 
+// All is present.
+std::int64_t readPresent(int fd, void* to, std::size_t count, std::uint64_t offset) {
+  return test::moved(FaultKind::kPresent, count, [&](std::size_t bytes) {
+    return ::pread(fd, to, bytes, static_cast<off_t>(offset));
+  });
+}
+
 std::int64_t writeNext(int fd, const void* from, std::size_t count) {
   return test::written(FaultKind::kWrite, fd, from, count);
 }
@@ -218,19 +228,18 @@ std::uint64_t fileBytes(int fd) {
   return static_cast<std::uint64_t>(status.st_size);
 }
 
-// A read and a write, which both can fail; then it moves nothing and tells no error.
-std::size_t appendRange(int to, int from, std::uint64_t offset, std::size_t count) {
-  const std::uint64_t size = fileBytes(from);
-  if (!test::rangeCopies || count == 0 || offset >= size || count > size - offset) return 0;
-  const std::int64_t moved =
-      test::moved(FaultKind::kAppend, count, [&](std::size_t part) -> std::int64_t {
-        void* const bytes = std::malloc(part);
-        const std::int64_t got = readAt(from, bytes, part, offset);
-        const std::int64_t put = got <= 0 ? 0 : writeNext(to, bytes, static_cast<std::size_t>(got));
-        std::free(bytes);
-        return put;
-      });
-  return moved < 0 ? 0 : static_cast<std::size_t>(moved);
+int reserveBytes(int fd, std::uint64_t offset, std::uint64_t count) {
+  const bool failed = test::fails(FaultKind::kReserve);
+  const int error = errno;
+  const int result =
+      ::fallocate(fd, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset), static_cast<off_t>(count));
+  if (!failed) return result;
+  errno = error;
+  return -1;
+}
+
+int truncateFile(int fd, std::uint64_t bytes) {
+  return test::fails(FaultKind::kTruncate) ? -1 : ::ftruncate(fd, static_cast<off_t>(bytes));
 }
 
 int closeFile(int fd) {
@@ -254,9 +263,13 @@ void release(void* block) {
   if (block != nullptr) std::free(static_cast<unsigned char*>(block) - test::kBlockHeader);
 }
 
-void* allocateLarge(std::size_t bytes) { return allocateZeroed(bytes); }
+void* mapZeroed(std::size_t bytes) {
+  return !test::maps || test::fails(FaultKind::kMap) ? nullptr : std::calloc(bytes, 1);
+}
 
-void releaseLarge(void* block, std::size_t) { release(block); }
+void unmapZeroed(void* block, std::size_t) { std::free(block); }
+
+int adviseLargePages(void*, std::size_t) { return test::fails(FaultKind::kAdvise) ? -1 : 0; }
 
 // The file's bytes as they are now.
 void* mapFile(int fd, std::size_t bytes) {

@@ -11,15 +11,19 @@ namespace statecut::test {
 enum class FaultKind : std::uint8_t {
   kOpen,
   kSeek,      // asking whether a file can seek, too
-  kRead,      // both kinds of read; the one inside of an append, too
-  kWrite,     // of the caller's bytes; the one inside of an append, too
+  kRead,      // both kinds of read
+  kPresent,   // of what is in memory
+  kWrite,     // of the caller's bytes
   kFlush,     // of what a buffer held
-  kAppend,    // from file to file: moves nothing, or half of the bytes; errno is not told
+  kReserve,   // room on the disk; what there was to take is taken all the same
+  kTruncate,  // giving it back
   kClose,     // closes all the same
   kAllocate,  // a table, a cache: null
+  kMap,       // pages for many tables or for the window of a copy: null
+  kAdvise,    // large pages
   kNew,       // operator new: std::bad_alloc
 };
-inline constexpr std::size_t kFaultKinds = 9;
+inline constexpr std::size_t kFaultKinds = 13;
 
 enum class FaultMode : std::uint8_t {
   kOnce,          // the Nth call fails
@@ -46,7 +50,7 @@ bool parseFault(const std::string& text, FaultPlan& plan);
 // readable until the next armFaults; it is kept in memory that forked children share.
 void armFaults(const FaultPlan& plan);
 void disarmFaults();
-void allowRangeCopies(bool allowed);  // true at first; false: as where the system has none
+void allowMaps(bool allowed);  // true at first; false: kMap fails, and is not counted
 std::uint32_t callsOf(FaultKind kind);
 std::uint32_t faultsFired();
 std::size_t bytesOfBlock(const void* block);  // as asked for, of a block that was not released

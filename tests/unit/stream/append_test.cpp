@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 #include <string>
@@ -59,10 +60,51 @@ TEST_F(Append, RewindOverwritesWhatWasMoved) {
 TEST_F(Append, FewBytesAreLeftToTheBuffer) { EXPECT_EQ(streamAppend(to_, from_, 0, 1000), 0u); }
 
 TEST_F(Append, NothingMovesBehindTheEndOfTheSource) {
-  EXPECT_EQ(streamAppend(to_, from_, 200'000, 100'001), 0u);
+  EXPECT_EQ(streamAppend(to_, from_, 200'000, 200'000), 100'000u);
   EXPECT_EQ(streamAppend(to_, from_, 300'000, 100'000), 0u);
   EXPECT_EQ(streamAppend(to_, from_, UINT64_MAX - 5, 100'000), 0u);
-  EXPECT_EQ(streamAppend(to_, from_, 200'000, 100'000), 100'000u);
+  EXPECT_FALSE(streamError(to_) || streamError(from_) || streamEof(from_));
+  EXPECT_EQ(written(), bytes_.substr(200'000));
+}
+
+TEST_F(Append, WindowsEndAtRoundPositionsOfTheTarget) {
+  const std::string large = bytes_ + bytes_ + bytes_ + bytes_;
+  std::ofstream(path("source"), std::ios::binary) << large;
+  const std::size_t window = std::size_t{1} << 20;
+  ASSERT_EQ(streamWrite(to_, "head", 4), 4u);
+  ASSERT_EQ(streamAppend(to_, from_, 10, large.size() - 10), window - 4);
+  ASSERT_EQ(streamAppend(to_, from_, window + 6, large.size() - window - 6),
+            large.size() - window - 6);
+  EXPECT_EQ(written(), "head" + large.substr(10));
+}
+
+TEST_F(Append, PresentBytesMoveLikeAnyOthers) {
+  const std::size_t moved = streamAppend(to_, from_, 0, 100'000, Pages::kPresent);
+  EXPECT_EQ(written(), bytes_.substr(0, moved));  // none where the system can't tell
+}
+
+// The size is that of what was written, and the room behind it goes with the stream.
+TEST_F(Append, ReservedRoomIsNotPartOfTheFile) {
+  struct stat status {};
+  streamReserve(to_, 10'000'000);
+  ASSERT_EQ(streamWrite(to_, "head", 4), 4u);
+  EXPECT_EQ(written(), "head");
+  ASSERT_EQ(::stat(path("target").c_str(), &status), 0);
+  EXPECT_EQ(status.st_size, 4);
+  EXPECT_EQ(streamClose(to_), 0);
+  to_ = nullptr;
+  ASSERT_EQ(::stat(path("target").c_str(), &status), 0);
+  EXPECT_EQ(status.st_size, 4);
+  EXPECT_LT(status.st_blocks, 10'000'000 / 512);
+}
+
+TEST_F(Append, ReservingIsNoErrorWhereThereIsNothingToReserve) {
+  Stream* const device = streamOpen("/dev/null", "wb");
+  streamReserve(device, 10'000'000);
+  streamReserve(from_, 10'000'000);
+  EXPECT_FALSE(streamError(device) || streamError(from_));
+  EXPECT_EQ(streamWrite(device, "head", 4), 4u);
+  EXPECT_EQ(streamClose(device), 0);
 }
 
 TEST_F(Append, FailureIsLeftToTheWriteThatFollows) {
