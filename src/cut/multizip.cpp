@@ -1,6 +1,7 @@
 #include "cut/multizip.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
 
 #include "base/memory.h"
@@ -33,7 +34,41 @@ std::uint32_t keyCount() {
 // The work entry of a multi-ZIP key, null for a key that the database does not have.
 MultiZipKey* keyEntry(std::uint32_t key) { return key < keyCount() ? &multiZipKeys[key] : nullptr; }
 
-void clearKeys() { std::fill_n(multiZipKeys, keyCount(), MultiZipKey{}); }
+// Behind the entries stands a bit for each, set where it was touched: a cut of few states touches
+// few.
+constexpr std::uint32_t kBits = 64;
+
+constexpr std::uint64_t wordsFor(std::uint64_t keys) { return (keys + kBits - 1) / kBits; }
+constexpr std::uint64_t entryBytes(std::uint64_t keys) {
+  return wordsFor(keys) * kBits * sizeof(MultiZipKey);
+}
+
+std::uint64_t* touchedWords() {
+  return reinterpret_cast<std::uint64_t*>(reinterpret_cast<unsigned char*>(multiZipKeys) +
+                                          entryBytes(keyCount()));
+}
+
+void touch(std::uint32_t key) { touchedWords()[key / kBits] |= std::uint64_t{1} << (key % kBits); }
+
+// Calls visit(entry) for the touched keys, ascending, until it returns false.
+template <typename Visit>
+void visitTouched(Visit&& visit) {
+  const std::uint64_t words = wordsFor(keyCount());
+  for (std::uint64_t word = 0; word < words; ++word) {
+    for (std::uint64_t bits = touchedWords()[word]; bits != 0; bits &= bits - 1) {
+      const auto bit = static_cast<std::uint64_t>(std::countr_zero(bits));
+      if (!visit(multiZipKeys[word * kBits + bit])) return;
+    }
+  }
+}
+
+void clearKeys() {
+  visitTouched([](MultiZipKey& entry) {
+    entry = {};
+    return true;
+  });
+  std::fill_n(touchedWords(), wordsFor(keyCount()), 0);
+}
 
 std::uint32_t newName(std::uint32_t position) {
   return cityNameMap != nullptr && position < sourceCityNames ? cityNameMap[position] : 0;
@@ -86,6 +121,7 @@ void fill(std::uint32_t key, std::uint32_t rba, SizeOf&& sizeOf) {
   if (entry == nullptr || entry->bytes != 0) return;
   entry->bytes = sizeOf();
   entry->oldRba = rba;
+  touch(key);
 }
 
 void fillFinance(const FinMultiZipRow& record) {
@@ -143,12 +179,13 @@ std::int32_t updateKind(CountField zipCount, KeyField keyField, RbaField rba) {
 
 void planPartitions(RangePlan& plan) {
   std::uint64_t total = 0;
-  for (std::uint32_t key = 0; key < keyCount(); ++key) {
-    if (multiZipKeys[key].bytes <= 0) continue;
-    const auto bytes = static_cast<std::uint32_t>(multiZipKeys[key].bytes);
-    plan.add(multiZipKeys[key].oldRba, bytes);
+  visitTouched([&](const MultiZipKey& entry) {
+    if (entry.bytes <= 0) return true;
+    const auto bytes = static_cast<std::uint32_t>(entry.bytes);
+    plan.add(entry.oldRba, bytes);
     total += bytes;
-  }
+    return true;
+  });
   plan.reserve();
   if (progressWanted()) progressStep("Multi-ZIP partitions", total);
 }
@@ -182,7 +219,8 @@ void renumberNameLinks() {
 
 std::int32_t buildSFHMultiZip() {
   const std::uint64_t keys = refWord(RefControlRec::multiZipListsCount);
-  multiZipKeys = static_cast<MultiZipKey*>(allocTable(keys * sizeof(MultiZipKey)));
+  multiZipKeys = static_cast<MultiZipKey*>(
+      allocTable(entryBytes(keys) + wordsFor(keys) * sizeof(std::uint64_t)));
   if (multiZipKeys == nullptr) {
     logNoMemory(logsite::kMultiZipKeysFailed, "Multi-Zip Keys");
     return -1;
@@ -206,19 +244,19 @@ std::int32_t writeMultiZip() {
   RangePlan plan(rangePath());
   planPartitions(plan);
   std::uint32_t lastRba = 0;
-  const std::uint32_t keys = keyCount();
-  for (std::uint32_t key = 0; key < keys; ++key) {
-    MultiZipKey& entry = multiZipKeys[key];
-    if (entry.bytes <= 0) continue;
+  bool copied = true;
+  visitTouched([&](MultiZipKey& entry) {
+    if (entry.bytes <= 0) return true;
     // A warning alone: a step back is copied like any other partition.
     if (entry.oldRba < lastRba) std::printf("must go forward!! not back!!\n");
     lastRba = entry.oldRba;
     const auto bytes = static_cast<std::uint32_t>(entry.bytes);
     const std::uint32_t newRba = totalRngBytes;
-    if (appendRangePartition(plan, entry.oldRba, bytes) != 0) return -1;
-    entry.newRba = newRba;
-  }
-  return 0;
+    copied = appendRangePartition(plan, entry.oldRba, bytes) == 0;
+    if (copied) entry.newRba = newRba;
+    return copied;
+  });
+  return copied ? 0 : -1;
 }
 
 std::int32_t updateSFHMultiZip() {
