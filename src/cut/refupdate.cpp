@@ -107,7 +107,7 @@ void renumber(SlotNumber slot, std::size_t rowBytes, std::size_t nameAt, std::si
   for (std::uint32_t i = 0; i < count; ++i) {
     if (map[i] == i && i != 0) continue;
     const unsigned char* record = table + std::uint64_t{i} * rowBytes;
-    batch[held++] = {record + nameAt, record[lengthAt] + kStateBytes, map[i]};
+    batch[held++] = {record + nameAt, record[lengthAt] + kStateBytes, map[i], i};
     if (held < batch.size()) continue;
     zapHashedNames(batch, type);
     held = 0;

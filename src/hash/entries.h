@@ -80,17 +80,19 @@ template <typename Matches>
   return nullptr;
 }
 
-// The number field of the name's entry among those of its slot, or null.
+// The number field of the name's entry among those of its slot, or null. `own` is the number at
+// which the table has the very bytes of the name, -1 for any other bytes.
 template <std::uint32_t kType>
 [[gnu::always_inline]] inline unsigned char* findOf(const unsigned char* name, std::int32_t length,
                                                     unsigned char* slot, std::uint32_t check,
-                                                    const TableView& view) {
+                                                    const TableView& view, std::int64_t own = -1) {
   static constexpr NameLayout layout = kNameLayouts[kType];
   const unsigned char* table = view.table(layout.slot);
   const std::int32_t wanted = length - layout.added;  // in the length byte
   if (table == nullptr || wanted < 0 || wanted > layout.mostByte) return nullptr;
   const std::uint64_t bytes = std::uint64_t{boundOf(layout, *view.record)} * layout.unit;
   return findEntry(entriesOf(slot, view), check, [&](std::uint32_t number) {
+    if (number == own) return true;
     if (!inTable(layout, number, *view.record)) return false;
     const std::uint64_t at = std::uint64_t{number} * layout.unit;
     const unsigned char* entry = table + at;
@@ -108,20 +110,21 @@ inline unsigned char* findNameless(std::int32_t length, unsigned char* slot, std
 }
 
 inline unsigned char* findFrom(unsigned char* slot, std::uint32_t check, const unsigned char* name,
-                               std::int32_t length, std::uint32_t type, const TableView& view) {
+                               std::int32_t length, std::uint32_t type, const TableView& view,
+                               std::int64_t own = -1) {
   switch (type) {
     case kFirmNames:
       return findOf<kFirmNames>(name, length, slot, check, view);
     case kStreetNames:
       return findOf<kStreetNames>(name, length, slot, check, view);
     case kCityNames:
-      return findOf<kCityNames>(name, length, slot, check, view);
+      return findOf<kCityNames>(name, length, slot, check, view, own);
     case kStreetStandards:
       return findOf<kStreetStandards>(name, length, slot, check, view);
     case kStreetPhonetics:
       return findOf<kStreetPhonetics>(name, length, slot, check, view);
     case kCityPhonetics:
-      return findOf<kCityPhonetics>(name, length, slot, check, view);
+      return findOf<kCityPhonetics>(name, length, slot, check, view, own);
     default:
       return findNameless(length, slot, check, view);
   }

@@ -25,12 +25,16 @@ inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
 
 std::uint32_t fnv_32_buf(const unsigned char* buffer, std::int32_t length, std::uint32_t seed);
 
+// Deliberate, as every stored index is made so: a byte below 32 wraps and sets the upper bits.
+[[nodiscard]] constexpr std::uint32_t fnvBackwardStep(std::uint32_t hash, unsigned char byte) {
+  return (hash * kFnvPrime) ^ (byte - 32u);
+}
+
 // From the last byte to the first.
 inline std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32_t length,
                                          std::uint32_t seed) {
   std::uint32_t hash = seed;
-  // Deliberate, as every stored index is made so: a byte below 32 wraps and sets the upper bits.
-  const auto step = [&hash](const unsigned char* at) { hash = (hash * kFnvPrime) ^ (*at - 32u); };
+  const auto step = [&hash](const unsigned char* at) { hash = fnvBackwardStep(hash, *at); };
   if (length <= 0) return hash;
   const unsigned char* at = buffer + length;
   for (; at - buffer >= 4; at -= 4) {
@@ -57,10 +61,12 @@ struct HashedName {
   const unsigned char* name;
   std::int32_t length;  // not negative
   std::uint32_t newNumber;
+  std::int64_t own = -1;  // the number of the record in whose place in the table the name is read
 };
 inline constexpr std::size_t kZapBatch = 32;  // searches whose cache misses overlap
 
-// zapHashedName for one after the other, several searches at once.
+// zapHashedName for one after the other, several searches at once. An entry with the own number of
+// a name is that of the name, and is not compared with it.
 void zapHashedNames(std::span<const HashedName> names, std::uint32_t type);
 
 }  // namespace statecut
