@@ -225,6 +225,19 @@ void searchOther(Search& in, Input& input) {
   dbHashFindOff(bytesOf(name), length, type, &in.proc);
 }
 
+// What is found must not change with an index beside the file's, whatever the file's holds.
+void searchIndexed(Search& in, const Index& index) {
+  std::vector<std::uint32_t> found;
+  const auto find = [&in](const builder::HashName& name) {
+    return dbHashFind(bytesOf(name.name), static_cast<std::int32_t>(name.name.size()), name.type,
+                      &in.proc);
+  };
+  for (const builder::HashName& name : index.names) found.push_back(find(name));
+  for (std::uint32_t type = 0; type < kTypes; ++type) dbHashIndexNames(type, &in.proc);
+  for (std::size_t i = 0; i < found.size(); ++i)
+    if (find(index.names[i]) != found[i]) finding("an index of names gives another answer");
+}
+
 void renumber(Search& in, const Index& index, std::uint32_t newNumber) {
   for (const builder::HashName& name : index.names) {
     const auto length = static_cast<std::int32_t>(name.name.size());
@@ -254,7 +267,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     searched.open();
     for (const builder::HashName& name : index.names) search(searched, index, name, sound);
     for (std::size_t left = input.below(8); left > 0; --left) searchOther(searched, input);
+    searchIndexed(searched, index);
     renumber(searched, index, input.u32());
+    dbHashDropIndexes();
   }
   expectNothingLeft("an index that was released");
   return 0;

@@ -13,6 +13,7 @@ void* allocTable(std::uint64_t bytes) {
 }
 
 void freeTable(void* block) {
+  ++tablesReleased;
   if (!releaseInArena(block)) sys::release(block);
 }
 

@@ -14,4 +14,7 @@ inline constexpr std::uint64_t kTableMaxBytes = 2147483647;  // sizes are signed
 [[nodiscard]] void* allocTable(std::uint64_t bytes);
 void freeTable(void* block);
 
+// How often it was called, for those who keep something made of a table.
+inline std::uint64_t tablesReleased = 0;
+
 }  // namespace statecut

@@ -5,6 +5,7 @@
 
 #include "hash/entries.h"
 #include "hash/findname.h"
+#include "hash/heldindex.h"
 
 namespace statecut {
 
@@ -20,11 +21,19 @@ TableView hashedTables() {
 
 std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::uint32_t type,
                          ProcObj* /*context*/) {
-  return findHashedName(hashedTables(), name, length, type);
+  const TableView view = hashedTables();
+  const NameIndex* const index = heldIndex(view, type);
+  if (index != nullptr && length <= NameIndex::longest(type)) return index->find(name, length);
+  return findHashedName(view, name, length, type);
+}
+
+bool dbHashIndexNames(std::uint32_t type, ProcObj* /*context*/) {
+  return madeIndex(hashedTables(), type) != nullptr;
 }
 
 std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::uint32_t type,
                            std::uint32_t newNumber) {
+  dbHashDropIndexes();
   unsigned char* number = findHashedEntry(hashedTables(), name, length, type);
   if (number == nullptr) return -1;
   const std::uint32_t old = le::get<4>(number);
@@ -81,6 +90,7 @@ void startSearches(std::span<const HashedName> batch, std::uint32_t type, const 
 void zapHashedNames(std::span<const HashedName> names, std::uint32_t type) {
   const TableView view = hashedTables();
   if (view.record == nullptr) return;
+  dbHashDropIndexes();
   std::array<Search, kZapBatch> searches{};
   for (std::size_t from = 0; from < names.size(); from += kZapBatch) {
     const auto batch = names.subspan(from, std::min(kZapBatch, names.size() - from));

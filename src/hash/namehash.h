@@ -50,6 +50,11 @@ inline std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32
 // The name's number (record position for types 2 and 5, byte offset for the others), or kNotFound.
 std::uint32_t dbHashFind(const unsigned char* name, std::int32_t length, std::uint32_t type,
                          ProcObj* context);
+// Makes an index of the loaded names of a type, through which dbHashFind answers the same in less
+// time; after many lookups it makes one itself. False when there is none: without memory, or of a
+// damaged index. It goes with the loaded tables; who changes these in place drops it.
+bool dbHashIndexNames(std::uint32_t type, ProcObj* context);
+void dbHashDropIndexes();
 std::uint32_t dbHashFindOff(const unsigned char* name, std::int32_t length, std::uint32_t type,
                             ProcObj* proc);
 

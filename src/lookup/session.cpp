@@ -8,6 +8,7 @@
 #include "base/samefile.h"
 #include "base/tablearena.h"
 #include "dbfiles/apiutil.h"
+#include "hash/namehash.h"
 #include "lookup/refaccess.h"
 #include "tables/directory.h"
 
@@ -154,6 +155,7 @@ bool Session::open(const SessionSettings& settings, std::string& error) {
 void Session::close() {
   if (pProcObj != &proc_) return;
   chFreeStageBuffer();
+  dbHashDropIndexes();
   freeTables();
   arenas_.clear();
   streamClose(proc_.fileRecord.reference);

@@ -12,6 +12,11 @@ void keepHashMask(std::uint32_t slotCount) {
   le::put<4>(kept + 4, ~(slotCount - 1));
 }
 
-void dropHashMask() { refPointers[kSlotHashMask] = {}; }
+void (*whenHashDropped)() = nullptr;
+
+void dropHashMask() {
+  refPointers[kSlotHashMask] = {};
+  if (whenHashDropped != nullptr) whenHashDropped();
+}
 
 }  // namespace statecut
