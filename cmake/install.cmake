@@ -7,6 +7,12 @@ set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/statecut)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 set(python_dir lib/python3/dist-packages)
 
+set(STATECUT_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
+  "Where zsh looks for completions")
+set(bash_dir ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+set(fish_dir ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+set(completion_dirs ${bash_dir} ${STATECUT_ZSH_DIR} ${fish_dir})
+
 # Notes the folders that `uninstall` takes away: the project's own, and those that are not there yet.
 set(own_dirs ${CMAKE_INSTALL_DATADIR}/statecut ${package_dir} ${header_dir} ${python_dir}/statecut
   ${CMAKE_INSTALL_DOCDIR})
@@ -21,6 +27,7 @@ include("@CMAKE_CURRENT_LIST_DIR@/notefolders.cmake")
 install(CODE "${note_folders}" ALL_COMPONENTS)
 
 install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+include(${CMAKE_CURRENT_LIST_DIR}/completions.cmake)
 foreach(page IN LISTS manuals)
   cmake_path(GET page EXTENSION LAST_ONLY section)
   string(SUBSTRING ${section} 1 -1 section)

@@ -135,6 +135,7 @@ void addBuildCommand(CLI::App& app, int& status) {
       ->check(CLI::Range(std::uint32_t{1}, builder::maxFirms));
   command->add_flag("--no-military", settings->noMilitary, "Leave out the military aliases");
   command->add_flag("--no-pobox", settings->noPoBox, "Leave out the PO Box zones");
+  command->footer("Exit status: 0 written, 1 could not be written, 2 can't run.");
   command->callback([settings, zips, &status] {
     if (zips->count() != 0 && settings->profile != "national")
       throw CLI::ValidationError("--zips", "goes with the national profile");

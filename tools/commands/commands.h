@@ -15,5 +15,6 @@ void addDiffCommand(CLI::App& app, int& status);
 void addDrawCommand(CLI::App& app, int& status);
 void addQueryCommand(CLI::App& app, int& status);
 void addLookupCommands(CLI::App& app, int& status);  // the short forms: zip, city, street, firm
+void addCompletionCommand(CLI::App& app, int& status);
 
 }  // namespace statecut

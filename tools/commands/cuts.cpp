@@ -30,8 +30,8 @@ void addCutsCommand(CLI::App& app, int& status) {
   run.jobs = std::max(1U, std::thread::hardware_concurrency());
   CLI::App* command = app.add_subcommand(
       "cuts", "Make many cuts of a pair, verified, each in a folder of its name");
-  command->add_option("--ref", run.ref, "Reference file")->required();
-  command->add_option("--rng", run.rng, "Range file")->required();
+  command->add_option("--ref", run.ref, "Reference file")->required()->type_name("FILE");
+  command->add_option("--rng", run.rng, "Range file")->required()->type_name("FILE");
   command->add_option("--out", run.out, "Folder of the products, made if missing")
       ->required()
       ->type_name("DIR");

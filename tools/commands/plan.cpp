@@ -65,10 +65,10 @@ void addPlanCommand(CLI::App& app, int& status) {
   const auto options = std::make_shared<PlanOptions>();
   CLI::App* command =
       app.add_subcommand("plan", "Tell what cuts would hold and how large they would be");
-  command->add_option("--ref", options->ref, "Reference file")->required();
-  command->add_option("--rng", options->rng, "Range file")->required();
+  command->add_option("--ref", options->ref, "Reference file")->required()->type_name("FILE");
+  command->add_option("--rng", options->rng, "Range file")->required()->type_name("FILE");
   CLI::Option_group* which = command->add_option_group("which", "");
-  which->add_option("--states", options->states, "States of one cut: TX,OK");
+  which->add_option("--states", options->states, "States of one cut: TX,OK")->type_name("LIST");
   addProductOptions(*which, options->choice);
   which->require_option(1);
   command->add_flag("--json", options->json, "One JSON document");

@@ -37,6 +37,7 @@ int runStatedb(int argc, char** argv) {
   addDrawCommand(app, status);
   addQueryCommand(app, status);
   addLookupCommands(app, status);
+  addCompletionCommand(app, status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -12,20 +12,24 @@ void addVerifyCommand(CLI::App& app, int& status) {
   CLI::App* command = app.add_subcommand(
       "verify", "Check a database pair, or a cut against the pair that it was cut from");
   command->add_flag("--json", options->json, "One JSON document");
-  command->add_option("--ref", options->ref, "Reference file")->required();
-  command->add_option("--rng", options->rng, "Range file")->required();
+  command->add_option("--ref", options->ref, "Reference file")->required()->type_name("FILE");
+  command->add_option("--rng", options->rng, "Range file")->required()->type_name("FILE");
   command
       ->add_option("--ignore", options->ignored,
                    "A rule to leave out, as often as wanted: table.gap")
+      ->type_name("RULE")
       ->allow_extra_args(false)
       ->check([](const std::string& id) {
         return verify::ruleNamed(id) ? std::string() : "no such rule: " + id;
       });
   auto* sourceRef =
-      command->add_option("--source-ref", options->sourceRef, "Reference file that was cut");
+      command->add_option("--source-ref", options->sourceRef, "Reference file that was cut")
+          ->type_name("FILE");
   auto* sourceRng =
-      command->add_option("--source-rng", options->sourceRng, "Range file that was cut");
-  auto* states = command->add_option("--states", options->states, "States of the cut: TX,OK");
+      command->add_option("--source-rng", options->sourceRng, "Range file that was cut")
+          ->type_name("FILE");
+  auto* states = command->add_option("--states", options->states, "States of the cut: TX,OK")
+                     ->type_name("LIST");
   for (auto* one : {sourceRef, sourceRng, states})
     for (auto* other : {sourceRef, sourceRng, states})
       if (one != other) one->needs(other);
