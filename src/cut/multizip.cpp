@@ -1,10 +1,10 @@
 #include "cut/multizip.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdio>
 
 #include "base/memory.h"
+#include "cut/multizipkeys.h"
 #include "cut/multizipsize.h"
 #include "cut/progress.h"
 #include "cut/rangecopy.h"
@@ -25,49 +25,6 @@ CityDataRow* cityTable() {
 
 std::uint32_t cityCount() {
   return cityTable() == nullptr || cityKeys == nullptr ? 0 : refWord(RefControlRec::cityDataCount);
-}
-
-std::uint32_t keyCount() {
-  return multiZipKeys == nullptr ? 0 : refWord(RefControlRec::multiZipListsCount);
-}
-
-// The work entry of a multi-ZIP key, null for a key that the database does not have.
-MultiZipKey* keyEntry(std::uint32_t key) { return key < keyCount() ? &multiZipKeys[key] : nullptr; }
-
-// Behind the entries stands a bit for each, set where it was touched: a cut of few states touches
-// few.
-constexpr std::uint32_t kBits = 64;
-
-constexpr std::uint64_t wordsFor(std::uint64_t keys) { return (keys + kBits - 1) / kBits; }
-constexpr std::uint64_t entryBytes(std::uint64_t keys) {
-  return wordsFor(keys) * kBits * sizeof(MultiZipKey);
-}
-
-std::uint64_t* touchedWords() {
-  return reinterpret_cast<std::uint64_t*>(reinterpret_cast<unsigned char*>(multiZipKeys) +
-                                          entryBytes(keyCount()));
-}
-
-void touch(std::uint32_t key) { touchedWords()[key / kBits] |= std::uint64_t{1} << (key % kBits); }
-
-// Calls visit(entry) for the touched keys, ascending, until it returns false.
-template <typename Visit>
-void visitTouched(Visit&& visit) {
-  const std::uint64_t words = wordsFor(keyCount());
-  for (std::uint64_t word = 0; word < words; ++word) {
-    for (std::uint64_t bits = touchedWords()[word]; bits != 0; bits &= bits - 1) {
-      const auto bit = static_cast<std::uint64_t>(std::countr_zero(bits));
-      if (!visit(multiZipKeys[word * kBits + bit])) return;
-    }
-  }
-}
-
-void clearKeys() {
-  visitTouched([](MultiZipKey& entry) {
-    entry = {};
-    return true;
-  });
-  std::fill_n(touchedWords(), wordsFor(keyCount()), 0);
 }
 
 std::uint32_t newName(std::uint32_t position) {
@@ -117,11 +74,11 @@ std::int32_t visitZipFinance(LogSite badKey, OnFinance&& onFinance) {
 // The first record of a key decides its size and its old RBA; a size of 0 is asked for again.
 template <typename SizeOf>
 void fill(std::uint32_t key, std::uint32_t rba, SizeOf&& sizeOf) {
-  MultiZipKey* entry = keyEntry(key);
+  MultiZipKey* entry = multiZipKey(key);
   if (entry == nullptr || entry->bytes != 0) return;
   entry->bytes = sizeOf();
   entry->oldRba = rba;
-  touch(key);
+  touchMultiZipKey(key);
 }
 
 void fillFinance(const FinMultiZipRow& record) {
@@ -137,7 +94,7 @@ void fillCitySfh(const CityMultiZipRow& record) {
 
 template <typename Record, typename KeyField, typename RbaField>
 void pointAtCopy(Record& record, KeyField key, RbaField rba) {
-  const MultiZipKey* entry = keyEntry(record.get(key));
+  const MultiZipKey* entry = multiZipKey(record.get(key));
   if (entry != nullptr && entry->newRba != 0) record.set(rba, entry->newRba);
 }
 
@@ -162,7 +119,7 @@ void visitCityRecords(CountField zipCount, RbaField rba, Visit&& visit) {
 
 template <typename CountField, typename KeyField, typename RbaField>
 std::int32_t buildKind(std::int32_t kind, CountField zipCount, KeyField keyField, RbaField rba) {
-  clearKeys();
+  clearMultiZipKeys();
   visitCityRecords(zipCount, rba, [&](const CityMultiZipRow& record) {
     const std::uint16_t key = record.get(keyField);
     fill(key, record.get(rba), [key, kind] { return getMltZpEntryPntSize(key, kind); });
@@ -179,7 +136,7 @@ std::int32_t updateKind(CountField zipCount, KeyField keyField, RbaField rba) {
 
 void planPartitions(RangePlan& plan) {
   std::uint64_t total = 0;
-  visitTouched([&](const MultiZipKey& entry) {
+  visitMultiZipKeys([&](const MultiZipKey& entry) {
     if (entry.bytes <= 0) return true;
     const auto bytes = static_cast<std::uint32_t>(entry.bytes);
     plan.add(entry.oldRba, bytes);
@@ -218,9 +175,7 @@ void renumberNameLinks() {
 }
 
 std::int32_t buildSFHMultiZip() {
-  const std::uint64_t keys = refWord(RefControlRec::multiZipListsCount);
-  multiZipKeys = static_cast<MultiZipKey*>(
-      allocTable(entryBytes(keys) + wordsFor(keys) * sizeof(std::uint64_t)));
+  allocMultiZipKeys(refWord(RefControlRec::multiZipListsCount));
   if (multiZipKeys == nullptr) {
     logNoMemory(logsite::kMultiZipKeysFailed, "Multi-Zip Keys");
     return -1;
@@ -245,7 +200,7 @@ std::int32_t writeMultiZip() {
   planPartitions(plan);
   std::uint32_t lastRba = 0;
   bool copied = true;
-  visitTouched([&](MultiZipKey& entry) {
+  visitMultiZipKeys([&](MultiZipKey& entry) {
     if (entry.bytes <= 0) return true;
     // A warning alone: a step back is copied like any other partition.
     if (entry.oldRba < lastRba) std::printf("must go forward!! not back!!\n");

@@ -1,6 +1,7 @@
 #include "cut/workstate.h"
 
 #include "base/memory.h"
+#include "cut/multizipkeys.h"
 #include "cut/openfiles.h"
 #include "tables/refpointers.h"
 #include "tables/tolvfree.h"
@@ -53,6 +54,7 @@ std::int32_t closeDbs() {
   release(scCityNamesByState);
   release(scCityPhonetics);
   release(cityKeys);
+  touchedMultiZipKeys = {};
   release(multiZipKeys);
   closeOutputs();
   streamClose(pProcObj->files->range);

@@ -80,6 +80,8 @@ const NameIndex* make(Held& of, const TableView& view, std::uint32_t type) {
 const NameIndex* heldIndex(const TableView& view, std::uint32_t type) {
   if (view.record == nullptr || type >= held.size()) return nullptr;
   Held& of = heldOf(view, type);
+  // Not of tables from elsewhere, unless asked for: they may change and stay where they are.
+  if (!of.tried && view.table(kSlotHashTable) != loadedHashTable) return nullptr;
   if (of.tried || ++of.lookups < kLookupsToIndex) return usable(of);
   return make(of, view, type);
 }

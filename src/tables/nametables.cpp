@@ -75,7 +75,10 @@ std::int32_t dbReadHashedNames(Stream* file, const RefControlRec* controlRecord,
   dropHashMask();
   const std::int32_t code =
       loadTables("dbReadHashedNames", kHashedNames, file, controlRecord, proc);
-  if (code == 0) keepHashMask(controlRecord->get(RefControlRec::hashTableCount));
+  if (code == 0) {
+    keepHashMask(controlRecord->get(RefControlRec::hashTableCount));
+    loadedHashTable = refPointers[kSlotHashTable].table;
+  }
   return code;
 }
 

@@ -12,10 +12,12 @@ void keepHashMask(std::uint32_t slotCount) {
   le::put<4>(kept + 4, ~(slotCount - 1));
 }
 
+const void* loadedHashTable = nullptr;
 void (*whenHashDropped)() = nullptr;
 
 void dropHashMask() {
   refPointers[kSlotHashMask] = {};
+  loadedHashTable = nullptr;
   if (whenHashDropped != nullptr) whenHashDropped();
 }
 

@@ -64,7 +64,10 @@ extern std::array<RefSlot, kSlotCount> refPointers;
 // the hash table that they load; a search does for the control record in force, when what is kept
 // belongs to another slot count.
 void keepHashMask(std::uint32_t slotCount);
-void dropHashMask();               // for a hash table that is released
+void dropHashMask();  // for a hash table that is released
+// The hash table that dbReadHashedNames loaded last and that was not released since; null for one
+// from elsewhere, which its owner may change at any time.
+extern const void* loadedHashTable;
 extern void (*whenHashDropped)();  // called by it, for what was made of the hash table; may be null
 
 // Record `index` of the table in `slot`, or null when the slot is empty or index > count. An

@@ -14,7 +14,10 @@ using namespace statecut::test;
 class HeldIndex : public IndexFixture {
  protected:
   HeldIndex() { load(); }
-  ~HeldIndex() override { dbHashDropIndexes(); }
+  ~HeldIndex() override {
+    dbHashDropIndexes();
+    loadedHashTable = nullptr;
+  }
 
   void load() {
     setTable(kSlotStreetNames, packed({"MAIN", "OAK"}));
@@ -22,6 +25,7 @@ class HeldIndex : public IndexFixture {
     makeIndex(64);
     plant("MAIN", kStreetNames, 0);
     plant("OAK", kStreetNames, 5);
+    loadedHashTable = refPointers[kSlotHashTable].table;  // as dbReadHashedNames does
   }
   std::uint32_t findOak() { return find("OAK", kStreetNames); }
   // Unlinks the name in place, which nobody is told of.
@@ -51,6 +55,13 @@ TEST_F(HeldIndex, IsMadeByItselfAfterManyLookupsOfTheType) {
   for (std::uint32_t i = 0; i < kLookupsToIndex; ++i) ASSERT_EQ(findOak(), 5u);
   unlinkOak();
   EXPECT_EQ(findOak(), 5u) << "not made";
+}
+
+TEST_F(HeldIndex, IsNotMadeByItselfOfAHashTableThatNoReaderLoaded) {
+  loadedHashTable = nullptr;
+  for (std::uint32_t i = 0; i < 2 * kLookupsToIndex; ++i) ASSERT_EQ(findOak(), 5u);
+  unlinkOak();
+  EXPECT_EQ(findOak(), kNotFound);
 }
 
 TEST_F(HeldIndex, GoesWithARenumberedName) {
