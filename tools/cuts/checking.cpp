@@ -78,15 +78,6 @@ std::vector<std::string> warningsOf(const std::string& log) {
   return warnings;
 }
 
-void publish(const std::string& out, const std::string& product, std::string& error) {
-  const std::string part = partName(product), folder = out + "/" + part;
-  for (const char* name : {kReferenceName, kRangeName, kLogName})
-    if (!flush(folder + "/" + name, error)) return;
-  if (!flush(folder, error) || !publishFolder(out, part, product, error)) return;
-  // What had the name before is now in the part folder.
-  removeProductFolder(folder, error);
-}
-
 }  // namespace
 
 std::vector<std::string> logRecords(const std::string& path, const std::string& severity) {
@@ -116,8 +107,8 @@ bool isSound(const Source& source) {
   return verify::checkPair(source.database.pair, error).clean() && error.empty();
 }
 
-Checked checkAndPublish(const Source& source, const std::string& out, const std::string& product,
-                        const std::vector<std::string>& states) {
+Checked checkProduct(const Source& source, const std::string& out, const std::string& product,
+                     const std::vector<std::string>& states) {
   format::exitOnLostPage();
   const std::string folder = out + "/" + partName(product);
   Checked checked;
@@ -127,8 +118,18 @@ Checked checkAndPublish(const Source& source, const std::string& out, const std:
   beginFlush(folder + "/" + kRangeName);
   verifyProduct(source, folder, states, checked);
   if (error.empty()) checked.warnings = warningsOf(folder + "/" + kLogName);
-  if (error.empty()) publish(out, product, error);
   return checked;
+}
+
+std::string publish(const std::string& out, const std::string& product) {
+  const std::string part = partName(product), folder = out + "/" + part;
+  std::string error;
+  for (const char* name : {kReferenceName, kRangeName, kLogName})
+    if (!flush(folder + "/" + name, error)) return error;
+  if (!flush(folder, error) || !publishFolder(out, part, product, error)) return error;
+  // What had the name before is now in the part folder.
+  removeProductFolder(folder, error);
+  return error;
 }
 
 std::string toText(const Checked& checked) {

@@ -33,10 +33,14 @@ struct Checked {
 std::string toText(const Checked& checked);
 Checked parseChecked(const std::string& text);
 
-// Verifies the product in its part folder against its source, digests the same bytes, flushes them
-// to the disk and gives them their name.
-Checked checkAndPublish(const Source& source, const std::string& out, const std::string& product,
-                        const std::vector<std::string>& states);
+// Verifies the product in its part folder against its source and digests the same bytes; the disk
+// begins to write them meanwhile.
+Checked checkProduct(const Source& source, const std::string& out, const std::string& product,
+                     const std::vector<std::string>& states);
+
+// Waits until the product is on the disk and gives it its name; why it could not be done, else
+// empty.
+std::string publish(const std::string& out, const std::string& product);
 
 // Whether verify finds nothing wrong with the source.
 bool isSound(const Source& source);

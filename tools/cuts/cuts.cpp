@@ -10,6 +10,7 @@
 #include <ostream>
 
 #include "cuts/children.h"
+#include "cuts/digest.h"
 #include "cuts/lock.h"
 #include "cuts/names.h"
 #include "cuts/partfolder.h"
@@ -46,6 +47,7 @@ class Preparation {
     });
     if (!program()) return false;
     database.hash = verify::findHashPlaces(database.pair);
+    (void)sha256OfBytes({}, error);  // the library makes its tables once, not in each child
     return true;
   }
 
@@ -64,7 +66,7 @@ class Preparation {
 
   bool space(const std::vector<Room>& rooms) {
     std::string error;
-    const std::uint64_t needed = spaceNeeded(rooms, options_.jobs);
+    const std::uint64_t needed = spaceNeeded(rooms, mostAtOnce(options_.jobs));
     const std::uint64_t free = spaceFree(options_.out, error);
     if (!error.empty()) return fail(error);
     if (needed <= free) return true;

@@ -181,9 +181,11 @@ void Schedule::start(const plan::Named& named) {
   running_.push_back(std::move(job));
 }
 
-// Why a program failed, in its own words where it left some.
+// Why a step failed, in the program's own words where it left some.
 std::string Schedule::reasonOf(const Job& job, const Ended& ended) const {
-  const std::string program = job.checking ? "the check " : "statecut ";
+  const std::string program = job.step == Step::Cutting    ? "statecut "
+                              : job.step == Step::Checking ? "the check "
+                                                           : "the flush ";
   std::string text = program + describe(ended);
   const auto errors = logRecords(partOf(job.named->name) + "/" + kLogName, "ERR");
   const std::string said = !errors.empty() ? errors.back() : lastLine(job.child.written());
@@ -205,32 +207,42 @@ void Schedule::fail(const Job& job, const std::string& why) {
   progress_->finish(one);
 }
 
-void Schedule::checkCut(Job& job) {
-  job.checking = true;
+void Schedule::check(Job& job) {
+  job.step = Step::Checking;
   job.child = startFunction([this, &job] {
-    return toText(checkAndPublish(source_, options_.out, job.named->name, job.named->plan.states));
+    return toText(checkProduct(source_, options_.out, job.named->name, job.named->plan.states));
   });
 }
 
-void Schedule::finishChecked(const Job& job, const Ended& ended) {
-  if (ended.signal != 0 || ended.status != 0) return fail(job, reasonOf(job, ended));
-  Checked checked = parseChecked(job.child.written());
-  if (!checked.error.empty()) return fail(job, checked.error);
-  if (stateOf(source_) != source_.state) {
+// False when the product gets no name.
+bool Schedule::publishChecked(Job& job) {
+  job.checked = parseChecked(job.child.written());
+  if (job.checked.error.empty() && stateOf(source_) != source_.state) {
     why_ = "the source has changed";
-    return fail(job, "the source changed while it was cut");
+    job.checked.error = "the source changed while it was cut";
   }
+  if (!job.checked.error.empty()) {
+    fail(job, job.checked.error);
+    return false;
+  }
+  job.step = Step::Publishing;
+  job.child = startFunction([this, &job] { return publish(options_.out, job.named->name); });
+  return true;
+}
+
+void Schedule::finish(const Job& job) {
+  if (const std::string error = job.child.written(); !error.empty()) return fail(job, error);
   const plan::Plan& plan = job.named->plan;
   ProductRecord record;
   record.states = plan.states;
   record.zips = plan.zips;
   record.cities = plan.cities;
   record.partitions = plan.single.all().partitions + plan.multi.all().partitions;
-  record.reference = checked.reference;
-  record.range = checked.range;
-  record.time = checked.time;
+  record.reference = job.checked.reference;
+  record.range = job.checked.range;
+  record.time = job.checked.time;
   record.warnings = plan.warnings;
-  for (const std::string& warning : checked.warnings)
+  for (const std::string& warning : job.checked.warnings)
     if (std::none_of(plan.warnings.begin(), plan.warnings.end(),
                      [&](const std::string& known) { return warning.ends_with(known); }))
       record.warnings.push_back(warning);
@@ -244,28 +256,39 @@ void Schedule::finishChecked(const Job& job, const Ended& ended) {
   save(false);
 }
 
-bool Schedule::advance(Job& job) {
-  const Ended ended = poll(job.child);
-  if (!ended.ended) return true;
-  if (job.checking) {
-    finishChecked(job, ended);
-    return false;
-  }
-  if (ended.signal != 0 || ended.status != 0) {
-    fail(job, reasonOf(job, ended));
-    return false;
-  }
-  checkCut(job);
+bool Schedule::failedStep(const Job& job, const Ended& ended) {
+  if (ended.signal == 0 && ended.status == 0) return false;
+  fail(job, reasonOf(job, ended));
   return true;
 }
 
-// A product whose check had ended is done; of the others nothing stays.
+bool Schedule::advance(Job& job) {
+  const Ended ended = poll(job.child);
+  if (!ended.ended) return true;
+  if (failedStep(job, ended)) return false;
+  if (job.step == Step::Checking) return publishChecked(job);
+  if (job.step == Step::Publishing) {
+    finish(job);
+    return false;
+  }
+  check(job);
+  return true;
+}
+
+bool Schedule::hasRoom() const {
+  const auto busy = std::count_if(running_.begin(), running_.end(),
+                                  [](const Job& job) { return job.step != Step::Publishing; });
+  return static_cast<std::size_t>(busy) < options_.jobs &&
+         running_.size() < mostAtOnce(options_.jobs);
+}
+
+// A product that has its name is done; of the others nothing stays.
 void Schedule::stopAll() {
   for (Job& job : running_) {
-    if (job.checking) {
+    if (job.step == Step::Publishing) {
       const Ended ended = poll(job.child);
       if (ended.ended && ended.signal == 0 && ended.status == 0) {
-        finishChecked(job, ended);
+        finish(job);
         continue;
       }
       if (ended.ended) job.child.pid = -1;
@@ -282,7 +305,8 @@ void Schedule::draw() const {
   std::vector<Running> lines;
   for (const Job& job : running_) {
     const std::string folder = partOf(job.named->name) + "/";
-    lines.push_back({job.named->name, job.checking ? "checking" : "cutting",
+    const char* const steps[] = {"cutting", "checking", "flushing"};
+    lines.push_back({job.named->name, steps[static_cast<std::size_t>(job.step)],
                      sizeOf(folder + kReferenceName) + sizeOf(folder + kRangeName),
                      job.named->plan.bytes()});
   }
@@ -295,8 +319,7 @@ bool Schedule::run(Progress& progress) {
     progress.finish({named->name, Outcome::There, named->plan.bytes(), 0, "", {}});
   save(true);
   for (;;) {
-    while (signals_.asked() == 0 && why_.empty() && running_.size() < options_.jobs &&
-           next_ < toMake_.size())
+    while (signals_.asked() == 0 && why_.empty() && hasRoom() && next_ < toMake_.size())
       start(*toMake_[next_++]);
     if (running_.empty() || signals_.asked() != 0) break;
     if (progress.interval() > 0) draw();

@@ -17,6 +17,10 @@
 
 namespace statecut::cuts {
 
+// How many products are begun and not done at most when so many are cut at once: those that wait
+// for the disk take no processor.
+constexpr std::size_t mostAtOnce(std::size_t jobs) { return 3 * jobs; }
+
 class Schedule {
  public:
   // `plans` in the order in which they are to be made.
@@ -33,11 +37,14 @@ class Schedule {
  private:
   using Clock = std::chrono::steady_clock;
 
+  enum class Step { Cutting, Checking, Publishing };
+
   struct Job {
     const plan::Named* named = nullptr;
-    bool checking = false;  // cut, and being checked
-    Child child;
+    Step step = Step::Cutting;
+    Child child;  // that does the step
     Clock::time_point begin;
+    Checked checked;
   };
 
   bool describeSource(std::string& error);
@@ -45,10 +52,13 @@ class Schedule {
   bool callAll(const std::vector<std::function<std::string()>>& functions,
                std::vector<std::string>& results);
 
+  [[nodiscard]] bool hasRoom() const;  // for one more job
   void start(const plan::Named& named);
   bool advance(Job& job);  // false: it is at its end
-  void checkCut(Job& job);
-  void finishChecked(const Job& job, const Ended& ended);
+  bool failedStep(const Job& job, const Ended& ended);
+  void check(Job& job);
+  bool publishChecked(Job& job);
+  void finish(const Job& job);
   void fail(const Job& job, const std::string& why);
   [[nodiscard]] std::string reasonOf(const Job& job, const Ended& ended) const;
   void stopAll();

@@ -15,6 +15,7 @@
 namespace statecut::verify {
 
 using namespace format;  // the rules speak of tables and names all over
+using format::TableId;   // not the core's, where a source includes both
 
 // The records of a table; `rba` is where they begin in the file.
 template <typename RowType>
