@@ -161,6 +161,8 @@ Damager::Damager(PairImage pair, const PairImage* source, Queries which)
   ::setenv("SOURCE_DATE_EPOCH", "1767225601", 1);
   writeWholeFile(files_.folder + "/states",
                  FileBytes(kMicroStates, kMicroStates + std::strlen(kMicroStates)));
+  writeWholeFile(files_.folder + "/sound.ref", pair_.ref);
+  writeWholeFile(files_.folder + "/sound.rng", pair_.rng);
   if (source != nullptr) {
     writeWholeFile(files_.folder + "/source.ref", source->ref);
     writeWholeFile(files_.folder + "/source.rng", source->rng);

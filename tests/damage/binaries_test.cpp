@@ -38,6 +38,8 @@ class Binaries : public testing::Test {
       for (std::size_t i = 1; i < query.size(); ++i) call["args"].push_back(query[i]);
       calls_ += call.dump() + "\n";
     }
+    writeWholeFile(folder_.file("sound.dir"), microPair().ref);
+    writeWholeFile(folder_.file("sound.rng"), microPair().rng);
     writeWholeFile(folder_.file("states"),
                    FileBytes(kMicroStates, kMicroStates + std::strlen(kMicroStates)));
   }
@@ -65,6 +67,15 @@ class Binaries : public testing::Test {
     return result;
   }
 
+  // Against the sound pair: equal, different, or a text that says why it can't be told.
+  void expectDiff(std::vector<std::string> arguments, double mostSeconds) {
+    arguments.insert(arguments.begin(), "diff");
+    const ProcessResult result = expectEnd(kStatedb, arguments, {0, 1, 2}, mostSeconds);
+    if (result.exitStatus != 2) return;
+    EXPECT_EQ(result.err.rfind("statedb diff: ", 0), 0U) << result.err;
+    EXPECT_EQ(result.out, "");
+  }
+
   void runAll(const PairImage& pair, double mostSeconds) {
     writeWholeFile(folder_.file("city.dir"), pair.ref);
     writeWholeFile(folder_.file("zip4us.dir"), pair.rng);
@@ -78,6 +89,9 @@ class Binaries : public testing::Test {
     options.rng = folder_.file("zip4us.dir");
     std::string error;
     EXPECT_EQ(verdict, verify::check(options, error).clean() ? 0 : 1) << error;
+    expectDiff({"city.dir", "sound.dir", "--rng", "zip4us.dir", "sound.rng"}, mostSeconds);
+    expectDiff({"sound.dir", "city.dir", "--rng", "sound.rng", "zip4us.dir", "--json"},
+               mostSeconds);
     expectEnd(kStatedb, {"info", "city.dir", "zip4us.dir"}, {0, 1}, mostSeconds);
     expectEnd(kStatedb, {"info", "--json", "city.dir", "zip4us.dir"}, {0, 1}, mostSeconds);
     for (const char* mode : {"in", "first", "off"})

@@ -107,6 +107,16 @@ std::string judgeCut(const Damage&, const Programs& programs, const Behaviour&) 
   return "statedb verify with the source: " + firstLine(programs.withSource.text);
 }
 
+// What can't be compared is said in words.
+std::string judgeDifference(const Damage&, const Programs& programs, const Behaviour&) {
+  const Verdict& told = programs.diff;
+  const bool compared = told.status == 0 || told.status == 1;
+  const bool refused = told.status == 2 && told.text.starts_with("statedb diff: ");
+  return compared || refused
+             ? ""
+             : "statedb diff: status " + std::to_string(told.status) + ", " + firstLine(told.text);
+}
+
 class Shard : public testing::TestWithParam<std::size_t> {};
 constexpr std::size_t kShards = 4;
 
@@ -165,6 +175,17 @@ TEST_P(Shard, ACountOfALargeTableTakesMemoryInProportion) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Damage, Shard, testing::Range(std::size_t{0}, kShards));
+
+TEST(Damage, ADifferenceToADamagedPairIsToldOrRefused) {
+  Damager damager(microPair(), nullptr, Queries::kOneEach);
+  for (Damages damages :
+       {everyLength(microPair()), fieldValues(microPair()), everyBit(microPair())}) {
+    for (Damage& damage : damages.list) damage.programs = bitOf(Program::kDiff);
+    const auto usual = [&](const Damage& damage) { return !hostile(microPair(), damages, damage); };
+    expectNone(damager.run(damages, choose(damages, 0, 1, {kSanitized ? 40U : 4U, 12}, usual), {},
+                           judgeDifference));
+  }
+}
 
 TEST(Damage, EveryTableEdgeOfASmallPairIsReported) {
   const PairImage pair =

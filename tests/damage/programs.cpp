@@ -10,6 +10,7 @@
 
 #include "base/procobj.h"
 #include "cut/workstate.h"
+#include "diff/diff.h"
 #include "info/info.h"
 #include "lookup/session.h"
 #include "query/run.h"
@@ -61,7 +62,8 @@ const char* nameOf(Program program) {
                                            "statedb query in",
                                            "statedb query first",
                                            "statedb query off",
-                                           "statedb query cached"};
+                                           "statedb query cached",
+                                           "statedb diff"};
   return kNames[static_cast<std::size_t>(program)];
 }
 
@@ -101,6 +103,9 @@ void Programs::runOne(Program program, double mostSeconds) {
       break;
     case Program::kInfo:
       info();
+      break;
+    case Program::kDiff:
+      difference();
       break;
     default:
       query(program);
@@ -158,6 +163,17 @@ void Programs::info() {
   std::ostringstream err;
   json_ = !json_;
   static_cast<void>(info::run({files_.ref(), files_.rng()}, json_, out, err));
+}
+
+void Programs::difference() {
+  const PairFiles sound{files_.folder, "sound"};
+  std::ostringstream out;
+  std::ostringstream err;
+  json_ = !json_;
+  diff::Options options{sound.ref(), files_.ref(), {sound.rng(), files_.rng()}, "", json_, false};
+  diff.status = diff::run(options, out, err);
+  diff.text = err.str();
+  if (diff.status == 2 && !out.str().empty()) diff.text = "wrote a difference";
 }
 
 void Programs::query(Program program) {

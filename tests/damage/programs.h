@@ -1,5 +1,5 @@
 #pragma once
-// The four programs on one pair, run inside this process: what each of them does is kept and
+// The programs on one pair, run inside this process: what each of them does is kept and
 // compared, and each must end by itself in bounded time.
 
 #include <array>
@@ -26,7 +26,17 @@ using Query = std::vector<std::string>;  // OP ARG...
 enum class Queries : std::uint8_t { kAll, kOneEach };
 std::vector<Query> queriesOf(const PairImage& pair, Queries which);
 
-enum class Program : std::uint8_t { kCut, kVerify, kInfo, kIn, kFirst, kOff, kCached, kCount_ };
+enum class Program : std::uint8_t {
+  kCut,
+  kVerify,
+  kInfo,
+  kIn,
+  kFirst,
+  kOff,
+  kCached,
+  kDiff,
+  kCount_
+};
 inline constexpr std::size_t kPrograms = static_cast<std::size_t>(Program::kCount_);
 const char* nameOf(Program program);
 inline constexpr std::uint8_t kAllPrograms = 0xFF;
@@ -75,6 +85,7 @@ class Programs {
   Behaviour behaviour;
   Verdict alone;
   Verdict withSource;
+  Verdict diff;  // from the sound pair to the files; the text is that of standard error
   std::string tooLong;
 
  private:
@@ -83,6 +94,7 @@ class Programs {
   void verify();
   void info();
   void query(Program program);
+  void difference();
 
   PairFiles files_;
   PairFiles source_;

@@ -69,7 +69,7 @@ class Diff : public testing::Test {
 };
 
 TEST_F(Diff, FindsEveryChangeAndNothingElse) {
-  std::size_t changes = 0;
+  std::size_t changes = 0, ofAreas = 0;
   for (std::uint64_t seed = 0; seed < kSeeds; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     const KnownPair pair = makeKnownPair(seed);
@@ -79,8 +79,12 @@ TEST_F(Diff, FindsEveryChangeAndNothingElse) {
     EXPECT_EQ(result.status, pair.changes.empty() ? 0 : 1) << result.err;
     ASSERT_EQ(lines(result.out), pair.changes);
     changes += pair.changes.size();
+    ofAreas += static_cast<std::size_t>(std::count_if(
+        pair.changes.begin(), pair.changes.end(),
+        [](const std::string& line) { return line.find(" SFH shared by ") != std::string::npos; }));
   }
   EXPECT_GT(changes, kSeeds * 5);
+  EXPECT_GT(ofAreas, kSeeds / 5);
 }
 
 TEST_F(Diff, OfAReleaseAndItselfIsNothing) {

@@ -221,31 +221,73 @@ class Changer {
                     true);
   }
 
-  // Those of PO Boxes and rural routes: only cities share them, and their lines name all of these.
-  void changeSharedPartition() {
-    const bool pob = random_.percent(50);
-    std::map<std::uint32_t, std::set<std::string>> users;
-    for (std::uint32_t i = 1; i < pair_.before.cityData.size(); ++i) {
-      const CityData& city = pair_.before.cityData[i];
-      if (city.zipCount < 2 || city.multiZipRbaKey == 0) continue;
-      const CityMultiZip& record = pair_.before.cityMultiZip[city.multiZipRbaKey];
-      const MultiZipRef& ref = pob ? record.pob : record.rr;
-      if (ref.zipCount < 2) continue;
-      users[ref.key].insert(pair_.before.cityNames[city.nameUsps].state + " " + cityName(i));
-      sharers_[ref.key * 2 + pob].insert(i);
+  // Who shares a partition: ZIP codes by their finance areas, and cities.
+  struct Sharers {
+    std::set<std::uint32_t> zips, cities;  // keys
+  };
+  using SharersOfKey = std::map<std::uint32_t, Sharers>;
+
+  // A city of several ZIP codes has no area unless it shares a street partition itself.
+  SharersOfKey sharersOf(MultiZipRef CityMultiZip::*kind, bool areas) const {
+    SharersOfKey users;
+    const Model& model = pair_.before;
+    const auto areaOf = [&](std::uint32_t index) {
+      return areas && index != 0 && model.finMultiZip[index].zipCount > 1
+                 ? &users[model.finMultiZip[index].key]
+                 : nullptr;
+    };
+    for (std::uint32_t i = 1; i < model.zips.size(); ++i)
+      if (Sharers* area = areaOf(model.zips[i].finKey)) area->zips.insert(i);
+    for (std::uint32_t i = 1; i < model.cityData.size(); ++i) {
+      const CityData& city = model.cityData[i];
+      if (city.zipCount == 1) continue;
+      const MultiZipRef& ref = model.cityMultiZip[city.multiZipRbaKey].*kind;
+      const bool shares = city.zipCount > 1 && city.multiZipRbaKey != 0 && ref.zipCount > 1;
+      if (shares) users[ref.key].cities.insert(i);
+      if (city.zipCount > 1 && !shares) continue;
+      if (Sharers* area = areaOf(city.finFlag == 1 ? city.finKey : 0)) area->cities.insert(i);
     }
+    return users;
+  }
+
+  void changeSharedPartition() {
+    const std::uint32_t kind = random_.below(3);
+    MultiZipRef CityMultiZip::*const kinds[] = {&CityMultiZip::sfh, &CityMultiZip::pob,
+                                                &CityMultiZip::rr};
+    const Section section =
+        std::vector{Section::SfhMulti, Section::PobMulti, Section::RrMulti}[kind];
+    const SharersOfKey users = sharersOf(kinds[kind], section == Section::SfhMulti);
     if (users.empty()) return;
     auto chosen = users.begin();
     std::advance(chosen, random_.below(static_cast<std::uint32_t>(users.size())));
-    if (!changedShared_.emplace(chosen->first, pob).second) return;
-    std::string whose = std::string("partition ") + (pob ? "POB" : "RR") + " shared by";
+    const auto& [key, sharers] = *chosen;
+    const auto isFree = [&](std::uint32_t zip) {
+      return std::find(free_.begin(), free_.end(), zip) != free_.end();
+    };
+    if (find(pair_.before, section, key) == pair_.before.range.partitions.end() ||
+        !std::all_of(sharers.zips.begin(), sharers.zips.end(), isFree) ||
+        !changedShared_.emplace(key, section).second)
+      return;
+    std::string whose = "partition ";
+    whose += std::vector{"SFH", "POB", "RR"}[kind];
+    whose += " shared by";
     const char* between = " ";
-    for (const std::string& user : chosen->second) {
+    const auto add = [&](const std::string& user) {
       whose += between + user;
       between = ", ";
+    };
+    for (const std::uint32_t zip : sharers.zips) {
+      add(zipText(pair_.before.zips[zip].zip));
+      free_.erase(std::find(free_.begin(), free_.end(), zip));
     }
-    for (const std::uint32_t city : sharers_[chosen->first * 2 + pob]) keptNames_.insert(city);
-    changePartition(pob ? Section::PobMulti : Section::RrMulti, chosen->first, whose, false);
+    std::set<std::string> names;
+    for (const std::uint32_t city : sharers.cities) {
+      names.insert(pair_.before.cityNames[pair_.before.cityData[city].nameUsps].state + " " +
+                   cityName(city));
+      keptNames_.insert(city);
+    }
+    for (const std::string& name : names) add(name);
+    changePartition(section, key, whose, false);
   }
 
   bool hasZips(std::uint32_t city) const {
@@ -326,8 +368,7 @@ class Changer {
   int number_ = 0;
   std::vector<std::uint32_t> free_;    // keys of ZIP codes
   std::set<std::uint32_t> keptNames_;  // cities
-  std::set<std::pair<std::uint32_t, bool>> changedShared_;
-  std::map<std::uint32_t, std::set<std::uint32_t>> sharers_;
+  std::set<std::pair<std::uint32_t, Section>> changedShared_;
 };
 
 }  // namespace
