@@ -54,7 +54,9 @@ std::string answer(const statecut::Database& db, const std::string& line) {
   if (line.size() < 4) return text + " no city";
   const statecut::CityName name = db.findCity(line.substr(0, 2), line.substr(3));
   if (!name) return text + " no city";
-  for (const std::uint16_t key : db.zipsOfCity(name->get(statecut::CityNameRow::cityKey))) {
+  const auto zips = db.zipsOfCity(name->get(statecut::CityNameRow::cityKey));
+  if (!zips) return text + " no memory";
+  for (const std::uint16_t key : *zips) {
     const unsigned code = db.zipOfKey(key)->get(statecut::ZipDataRow::zip);
     char digits[16];
     std::snprintf(digits, sizeof digits, " %05u", code);

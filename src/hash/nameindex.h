@@ -39,9 +39,9 @@ class NameIndex {
     return type < std::size(kLongest) ? kLongest[type] : 0;
   }
 
-  // An index that holds nothing when memory runs out, the type has no names, or the file's index or
-  // the table is so damaged that it would take too long.
-  [[nodiscard]] static NameIndex build(const NameSource& source) noexcept;
+  // An index that holds nothing when memory runs out (*noMemory becomes true), the type has no
+  // names, or the file's index or the table is so damaged that it would take too long.
+  [[nodiscard]] static NameIndex build(const NameSource& source, bool* noMemory = nullptr) noexcept;
 
   [[nodiscard]] explicit operator bool() const noexcept { return buckets_ != nullptr; }
 

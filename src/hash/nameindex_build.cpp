@@ -51,6 +51,8 @@ class NameIndex::Builder {
   Builder(const Builder&) = delete;
   Builder& operator=(const Builder&) = delete;
 
+  [[nodiscard]] bool ranOutOfMemory() const { return noMemory_; }
+
   void build(NameIndex& index) {
     if (!prepare() || !passNames() || !makeRoom(index)) return;
     for (std::uint64_t i = 0; i < count_; ++i) {
@@ -75,6 +77,12 @@ class NameIndex::Builder {
     const std::uint64_t first = le::get<4>(at + HashSlotRow::number.at);
     if (first >= end) return {nullptr, 0};
     return {source_.overflow.data() + first * HashOverflowRow::size, std::min(count, end - first)};
+  }
+
+  void* allocate(std::size_t bytes) {
+    void* const block = sys::allocateZeroed(bytes);
+    noMemory_ = noMemory_ || block == nullptr;
+    return block;
   }
 
   [[nodiscard]] std::uint64_t slots() const { return source_.slots.size() / HashSlotRow::size; }
@@ -107,7 +115,7 @@ class NameIndex::Builder {
   bool prepare() {
     for (std::uint64_t slot = 0; slot < slots(); ++slot) most_ += chainOf(slot).count;
     if (most_ > slots() + source_.overflow.size() / HashOverflowRow::size) return false;
-    numbers_ = static_cast<std::uint32_t*>(sys::allocateZeroed((most_ + 1) * sizeof *numbers_));
+    numbers_ = static_cast<std::uint32_t*>(allocate((most_ + 1) * sizeof *numbers_));
     return numbers_ != nullptr;
   }
 
@@ -118,7 +126,7 @@ class NameIndex::Builder {
         if (!passName(number, candidateAt(source_, layout_, number))) return false;
       return true;
     }
-    starts_ = static_cast<unsigned char*>(sys::allocateZeroed(source_.bound / 8 + 1));
+    starts_ = static_cast<unsigned char*>(allocate(source_.bound / 8 + 1));
     if (starts_ == nullptr) return false;
     for (std::uint64_t at = 0; at < source_.bound;) {
       const auto number = static_cast<std::uint32_t>(at);
@@ -155,11 +163,11 @@ class NameIndex::Builder {
     if (count_ < most_ && isFound(name, number)) numbers_[count_++] = number;
   }
 
-  bool makeRoom(NameIndex& index) const {
+  bool makeRoom(NameIndex& index) {
     if (count_ > UINT32_MAX) return false;
     const auto buckets = static_cast<std::uint32_t>(count_ / kWanted + 1);
     std::size_t room = (std::size_t{buckets} + 1) * sizeof(Bucket);
-    void* block = sys::allocateZeroed(room);
+    void* block = allocate(room);
     if (block == nullptr) return false;
     void* at = block;
     std::align(sizeof(Bucket), std::size_t{buckets} * sizeof(Bucket), at, room);
@@ -214,12 +222,16 @@ class NameIndex::Builder {
   std::uint64_t passed_ = 0;          // names
   std::uint32_t* numbers_ = nullptr;  // that are found
   std::uint64_t count_ = 0;
+  bool noMemory_ = false;
   unsigned char* starts_ = nullptr;  // a bit for each number at which a packed name begins
 };
 
-NameIndex NameIndex::build(const NameSource& source) noexcept {
+NameIndex NameIndex::build(const NameSource& source, bool* noMemory) noexcept {
   NameIndex index;
-  if (source.type < kNameLayouts.size()) Builder(source).build(index);
+  if (source.type >= kNameLayouts.size()) return index;
+  Builder builder(source);
+  builder.build(index);
+  if (noMemory != nullptr && builder.ranOutOfMemory()) *noMemory = true;
   return index;
 }
 

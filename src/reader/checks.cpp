@@ -96,7 +96,7 @@ class Checks {
 }  // namespace
 
 bool checkTables(const Database::Loaded& loaded, Error& error) {
-  return Checks(loaded, error).all();
+  return Checks(loaded, error).all() && checkStreetLists(loaded, error);
 }
 
 }  // namespace statecut

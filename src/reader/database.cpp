@@ -111,8 +111,10 @@ bool Database::indexNames() const noexcept {
   if (loaded_->names.get() != nullptr) return true;
   std::unique_ptr<NameIndexes> made(new (std::nothrow) NameIndexes);
   if (made == nullptr) return false;
+  bool noMemory = false;
   for (std::uint32_t type = 0; type < kNameTypes; ++type)
-    (*made)[type] = NameIndex::build(sourceOf(loaded_->view, type));
+    (*made)[type] = NameIndex::build(sourceOf(loaded_->view, type), &noMemory);
+  if (noMemory) return false;
   loaded_->names.set(std::move(made));
   return true;
 }

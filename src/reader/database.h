@@ -98,8 +98,10 @@ class Database {
                                                               std::uint32_t count) const noexcept;
   [[nodiscard]] std::span<const KeyRow> cityFinanceKeys(std::uint32_t start,
                                                         std::uint32_t count) const noexcept;
-  // The keys of the ZIP codes that have the city, ascending. The first call makes the index.
-  [[nodiscard]] std::span<const std::uint16_t> zipsOfCity(std::uint32_t cityKey) const noexcept;
+  // The keys of the ZIP codes that have the city, ascending; none of key 0, which is no city. The
+  // first call makes the index: nothing without memory for it, as indexCityZips tells.
+  [[nodiscard]] std::optional<std::span<const std::uint16_t>> zipsOfCity(
+      std::uint32_t cityKey) const noexcept;
 
   // Streets and firms. A key is the offset of a name.
   [[nodiscard]] NamedKey findStreet(std::string_view name) const noexcept;
@@ -123,7 +125,8 @@ class Database {
   struct ServedStreetCursor;
 
   // The names of a state that fit a pattern, in their order: "SAN" and "SAN*" begin with SAN,
-  // "*SAN" ends with it, "*SAN*" holds it. Nothing fits another pattern.
+  // "*SAN" ends with it, "*SAN*" holds it. Nothing fits another pattern, nor a text of more than 28
+  // characters, which no name has.
   [[nodiscard]] Walk<PatternCursor> cities(std::string_view state,
                                            std::string_view pattern) const noexcept;
   // The streets that a variation of a name stands for: their keys. With an SCF only those that are

@@ -28,13 +28,6 @@ std::span<const unsigned char> table(const TableView& view, SlotNumber slot, std
   return {view.table(slot), bytes};
 }
 
-std::span<const unsigned char> streetTable(const TableView& view) {
-  return table(view, kSlotStreetNames, view.word(Ref::streetNamesBytes));
-}
-std::span<const unsigned char> firmTable(const TableView& view) {
-  return table(view, kSlotFirms, view.word(Ref::firmsBytes));
-}
-
 std::span<const unsigned char> variationTable(const TableView& view, VariationKind kind) {
   return kind == VariationKind::kPhonetic
              ? table(view, kSlotStreetPhonetics, view.word(Ref::streetPhoneticsBytes))
@@ -60,40 +53,51 @@ Variation variationAt(const TableView& view, VariationKind kind, std::int32_t fo
           row};
 }
 
-// The name that was found is that at its number.
-NamedKey namedKey(std::int32_t number, std::span<const unsigned char> names) {
-  if (number == -1) return {};
-  const auto key = static_cast<std::uint32_t>(number);
-  return {key, packedName(names, key).value_or(std::string_view()), true};
-}
-
 std::int32_t lengthOf(std::string_view name, std::int32_t longest) {
   const bool fits = name.size() <= static_cast<std::size_t>(longest);
   return fits ? static_cast<std::int32_t>(name.size()) : longest + 1;
 }
+
+// Names that are packed in a table of their own: those of streets and of firms.
+struct PackedNames {
+  std::uint32_t type;
+  SlotNumber slot;
+  std::size_t bytesAt;  // in the control record
+  std::int32_t longest;
+
+  [[nodiscard]] std::span<const unsigned char> tableOf(const TableView& view) const {
+    return table(view, slot, le::get<4>(view.record->bytes.data() + bytesAt));
+  }
+  // The name that was found is that at its number.
+  [[nodiscard]] NamedKey find(const Database::Loaded& loaded, std::string_view name) const {
+    const std::int32_t number = loaded.find(type, name.data(), lengthOf(name, longest), longest);
+    if (number == -1) return {};
+    const auto key = static_cast<std::uint32_t>(number);
+    return {key, packedName(tableOf(loaded.view), key).value_or(std::string_view()), true};
+  }
+};
+constexpr PackedNames kStreets{kStreetNames, kSlotStreetNames, Ref::streetNamesBytes.at,
+                               memory::kLongestStreet};
+constexpr PackedNames kFirms{kFirmNames, kSlotFirms, Ref::firmsBytes.at, memory::kLongestFirm};
 
 }  // namespace
 
 inline namespace v1 {
 
 NamedKey Database::findStreet(std::string_view name) const noexcept {
-  constexpr std::int32_t kLongest = memory::kLongestStreet;
-  return namedKey(loaded_->find(kStreetNames, name.data(), lengthOf(name, kLongest), kLongest),
-                  streetTable(loaded_->view));
+  return kStreets.find(*loaded_, name);
 }
 
 std::optional<std::string_view> Database::streetName(std::uint32_t key) const noexcept {
-  return packedName(streetTable(loaded_->view), key);
+  return packedName(kStreets.tableOf(loaded_->view), key);
 }
 
 NamedKey Database::findFirm(std::string_view name) const noexcept {
-  constexpr std::int32_t kLongest = memory::kLongestFirm;
-  return namedKey(loaded_->find(kFirmNames, name.data(), lengthOf(name, kLongest), kLongest),
-                  firmTable(loaded_->view));
+  return kFirms.find(*loaded_, name);
 }
 
 std::optional<std::string_view> Database::firmName(std::uint32_t key) const noexcept {
-  return packedName(firmTable(loaded_->view), key);
+  return packedName(kFirms.tableOf(loaded_->view), key);
 }
 
 bool Database::NameCursor::next(NamedKey& item) noexcept {
@@ -105,11 +109,11 @@ bool Database::NameCursor::next(NamedKey& item) noexcept {
 }
 
 Walk<Database::NameCursor> Database::streets() const noexcept {
-  return Walk<NameCursor>({streetTable(loaded_->view), 0});
+  return Walk<NameCursor>({kStreets.tableOf(loaded_->view), 0});
 }
 
 Walk<Database::NameCursor> Database::firms() const noexcept {
-  return Walk<NameCursor>({firmTable(loaded_->view), 0});
+  return Walk<NameCursor>({kFirms.tableOf(loaded_->view), 0});
 }
 
 Variation Database::findVariation(VariationKind kind, std::string_view name) const noexcept {

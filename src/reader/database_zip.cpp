@@ -40,16 +40,16 @@ std::unique_ptr<CityZips> CityZips::make(const Database& database, const TableVi
   if (made == nullptr) return nullptr;
   const std::uint32_t cities = view.word(Ref::cityDataCount);
   made->cities_ = cities;
-  made->starts_.reset(new (std::nothrow) std::uint32_t[std::size_t{cities} + 1]());
-  if (made->starts_ == nullptr) return nullptr;
-  std::uint32_t* const starts = made->starts_.get();
+  made->starts_ = Block::allocated((std::size_t{cities} + 1) * sizeof(std::uint32_t));
+  if (made->starts_.data() == nullptr) return nullptr;
+  std::uint32_t* const starts = made->starts();
   // A ZIP code that lists a city twice has it once.
   const auto forEachPair = [&](auto visit) {
     for (const Zip& zip : database.zips()) {
       const std::span<const KeyRow> keys = database.citiesOf(*zip);
       for (std::size_t i = 0; i < keys.size(); ++i) {
         const std::uint32_t city = keys[i].get(KeyRow::key);
-        bool seen = city >= cities;
+        bool seen = city == 0 || city >= cities;
         for (std::size_t j = 0; j < i && !seen; ++j) seen = keys[j].get(KeyRow::key) == city;
         if (!seen) visit(city, static_cast<std::uint16_t>(zip.key));
       }
@@ -60,12 +60,12 @@ std::unique_ptr<CityZips> CityZips::make(const Database& database, const TableVi
     ++starts[city];
     ++pairs;
   });
-  made->zips_.reset(new (std::nothrow) std::uint16_t[std::size_t{pairs} + 1]);
-  if (made->zips_ == nullptr) return nullptr;
+  made->zips_ = Block::allocated((std::size_t{pairs} + 1) * sizeof(std::uint16_t));
+  if (made->zips_.data() == nullptr) return nullptr;
   // The ends of the lists, which move to their starts while they are filled from behind.
   for (std::uint32_t city = 0, end = 0; city < cities; ++city) starts[city] = end += starts[city];
   starts[cities] = pairs;
-  std::uint16_t* const zips = made->zips_.get();
+  std::uint16_t* const zips = made->zips();
   forEachPair([&](std::uint32_t city, std::uint16_t zip) { zips[--starts[city]] = zip; });
   for (std::uint32_t city = 0; city < cities; ++city)
     std::sort(zips + starts[city], zips + starts[city + 1]);
@@ -74,7 +74,7 @@ std::unique_ptr<CityZips> CityZips::make(const Database& database, const TableVi
 
 std::span<const std::uint16_t> CityZips::of(std::uint32_t cityKey) const {
   if (cityKey >= cities_) return {};
-  return {zips_.get() + starts_[cityKey], starts_[cityKey + 1] - starts_[cityKey]};
+  return {zips() + starts()[cityKey], starts()[cityKey + 1] - starts()[cityKey]};
 }
 
 inline namespace v1 {
@@ -181,8 +181,9 @@ bool Database::indexCityZips() const noexcept {
   return true;
 }
 
-std::span<const std::uint16_t> Database::zipsOfCity(std::uint32_t cityKey) const noexcept {
-  if (!indexCityZips()) return {};
+std::optional<std::span<const std::uint16_t>> Database::zipsOfCity(
+    std::uint32_t cityKey) const noexcept {
+  if (!indexCityZips()) return std::nullopt;
   return loaded_->cityZips.get()->of(cityKey);
 }
 

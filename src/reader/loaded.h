@@ -36,16 +36,24 @@ class Descriptor {
   int fd_ = -1;
 };
 
-// By city key, the ZIP keys that have the city.
+// By city key, the ZIP keys that have the city. Key 0 is no city.
 class CityZips {
  public:
+  // Null without memory.
   [[nodiscard]] static std::unique_ptr<CityZips> make(const Database& database,
                                                       const TableView& view);
   [[nodiscard]] std::span<const std::uint16_t> of(std::uint32_t cityKey) const;
 
  private:
-  std::unique_ptr<std::uint32_t[]> starts_;  // by city key; one more at the end
-  std::unique_ptr<std::uint16_t[]> zips_;
+  [[nodiscard]] std::uint32_t* starts() const {
+    return reinterpret_cast<std::uint32_t*>(starts_.data());
+  }
+  [[nodiscard]] std::uint16_t* zips() const {
+    return reinterpret_cast<std::uint16_t*>(zips_.data());
+  }
+
+  Block starts_;  // by city key; one more at the end
+  Block zips_;
   std::uint32_t cities_ = 0;
 };
 

@@ -13,6 +13,8 @@ namespace statecut {
 
 // Every ZIP code leads to its own record, and every list lies in its table.
 [[nodiscard]] bool checkTables(const Database::Loaded& loaded, Error& error);
+// The same of the lists of streets.
+[[nodiscard]] bool checkStreetLists(const Database::Loaded& loaded, Error& error);
 
 // Sets the error and is false.
 bool failed(Error& error, ErrorCode code, int number, std::string text);

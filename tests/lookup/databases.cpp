@@ -3,8 +3,10 @@
 #include "base/le.h"
 #include "dbbuilder/profiles.h"
 #include "dbbuilder/random.h"
+#include "dbbuilder/rangefile.h"
 #include "dbbuilder/writer.h"
 #include "support/randomdb.h"
+#include "support/secondcut.h"
 
 namespace statecut::test {
 
@@ -88,8 +90,11 @@ Model randomLookupModel(std::uint64_t seed) {
   return model;
 }
 
-// The lists of ZIP codes and cities become as long as their records say.
-Database randomReaderDatabase(std::uint64_t seed) {
+namespace {
+
+// The lists of ZIP codes and cities become as long as their records say, and every ambiguous
+// variation has a list.
+Model randomReaderModel(std::uint64_t seed) {
   Model model = randomLookupModel(seed);
   for (ZipRecord& zip : model.zips) {
     const std::size_t room = model.cityKeysOfZips.size();
@@ -105,7 +110,42 @@ Database randomReaderDatabase(std::uint64_t seed) {
     hold(city.rr);
   }
   for (const FinMultiZip& fin : model.finMultiZip) hold(fin);
-  return {"random reader database " + std::to_string(seed), referenceFile(model).bytes};
+  for (std::vector<Variation>* set : {&model.streetPhonetics, &model.streetStandards})
+    for (Variation& variation : *set)
+      if (variation.candidates.empty()) variation.ambiguous.reset();
+  return model;
+}
+
+// The cut to states, each with a new line.
+Bytes cutOf(const Model& model, const std::string& states) {
+  secondcut::Inputs inputs;
+  inputs.ref = referenceFile(model).bytes;
+  inputs.rng = rangeFile(model.range);
+  inputs.stateFileName = "states";
+  inputs.stateText = states;
+  inputs.stamp = 1767225600;
+  return secondcut::deriveCut(inputs).ref.bytes;
+}
+
+}  // namespace
+
+Database randomReaderDatabase(std::uint64_t seed) {
+  return {"random reader database " + std::to_string(seed),
+          referenceFile(randomReaderModel(seed)).bytes};
+}
+
+Database tinyCutDatabase() {
+  return {"tiny cut", cutOf(makeModel(tinyPlaces(), tinyOptions()), "TX\nOK\n")};
+}
+
+Database randomCutDatabase(std::uint64_t seed) {
+  const Model model = randomReaderModel(seed);
+  std::string states;
+  for (const std::size_t name : {model.cityNames.size() - 1, model.cityNames.size() / 2})
+    if (const std::string& state = model.cityNames[name].state;
+        state.size() == 2 && states.find(state) == std::string::npos)
+      states += state + "\n";
+  return {"random cut " + std::to_string(seed), cutOf(model, states)};
 }
 
 Database randomLookupDatabase(std::uint64_t seed) {

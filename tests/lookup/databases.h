@@ -25,6 +25,10 @@ Database edgeDatabase();                               // where memory and file 
 Database randomReaderDatabase(std::uint64_t seed);
 Database edgeReaderDatabase();
 
+// Cuts of the tiny database and of such a random one, to one state or two.
+Database tinyCutDatabase();
+Database randomCutDatabase(std::uint64_t seed);
+
 // The edge database (without its long lists) with one number damaged, each in turn.
 std::vector<Database> damagedDatabases();
 std::vector<Database> damagedReaderDatabases();  // of edgeReaderDatabase

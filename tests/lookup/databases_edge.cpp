@@ -25,7 +25,8 @@ void addRivalBehind(Model& model) {
   model.raw[Table::CityNamesByState] = behind;
 }
 
-void addVariations(Model& model) {
+// With one that begins behind the end of the lists, or without.
+void addVariations(Model& model, bool withOneBehind) {
   Variation many{"MANY", {}, std::nullopt, std::nullopt};
   for (std::uint16_t i = 0; i < 520; ++i) many.candidates.push_back({0, {i}, 7000U + i});
   Variation few{"FEW", {{0, {750, 751}, 61U}, {0, {}, 62U}, {0, {752}, 63U}}, {}, {}};
@@ -33,14 +34,15 @@ void addVariations(Model& model) {
   Variation last{"LAST", {{0, {1}, 64U}, {0, {2, 3}, 65U}}, {}, {}};
   Variation single{"SINGLE", {{0, {}, 66U}}, {}, {}};
   for (std::vector<Variation>* set : {&model.streetPhonetics, &model.streetStandards})
-    for (const Variation& one : {many, few, behind, single, last}) set->push_back(one);
+    for (const Variation& one : {many, few, behind, single, last})
+      if (withOneBehind || one.name != behind.name) set->push_back(one);
 }
 
 // Lists of more than 65535 entries only where they are asked for.
-Model edgeModel(bool longLists) {
+Model edgeModel(bool longLists, bool withListBehind) {
   Model model = makeModel(tinyPlaces(), tinyOptions());
   addRivalBehind(model);
-  addVariations(model);
+  addVariations(model, withListBehind);
   if (longLists) {
     model.cityZipLists.resize(65540, {7, 12345});
     model.cityFinanceLists.resize(65540, 9);
@@ -128,10 +130,12 @@ std::vector<Spot> tableSpots(const Bytes& file) {
   };
 }
 
-Database soundEdges(bool longLists) { return {"edges", referenceFile(edgeModel(longLists)).bytes}; }
+Database soundEdges(bool longLists) {
+  return {"edges", referenceFile(edgeModel(longLists, false)).bytes};
+}
 
 Database edges(bool longLists) {
-  Database made = soundEdges(longLists);
+  Database made{"edges", referenceFile(edgeModel(longLists, true)).bytes};
   // An index entry above the count.
   const std::uint32_t zips = wordOf(made.file, Ref::zipDataCount.at);
   le::put<2>(made.file.data() + wordOf(made.file, Ref::zipIndexRba.at) + 2, zips + 2);

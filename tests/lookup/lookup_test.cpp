@@ -32,14 +32,15 @@ using Variants =
                    VariantType<Mode::kDisk, 4096, 1>, VariantType<Mode::kDisk, 4096, 8>,
                    VariantType<Mode::kFirst>, ReaderType<ReaderWay::kSingle>,
                    ReaderType<ReaderWay::kIndexed>, ReaderType<ReaderWay::kBatches>,
-                   ReaderType<ReaderWay::kIndexedBatches>>;
+                   ReaderType<ReaderWay::kIndexedBatches>, ReaderType<ReaderWay::kC>,
+                   ReaderType<ReaderWay::kCBatches>>;
 
 struct VariantNames {
   template <typename Type>
   static std::string GetName(int) {
     if constexpr (Type::isReader) {
-      constexpr const char* kWays[] = {"Reader", "ReaderIndexed", "ReaderBatches",
-                                       "ReaderIndexedBatches"};
+      constexpr const char* kWays[] = {
+          "Reader", "ReaderIndexed", "ReaderBatches", "ReaderIndexedBatches", "C", "CBatches"};
       return kWays[static_cast<std::size_t>(Type::way)];
     } else {
       constexpr Variant variant = Type::variant;
@@ -128,6 +129,16 @@ TYPED_TEST(LookupIn, SmallDatabaseAnswersAsItsBytesSay) {
 
 TYPED_TEST(LookupIn, RandomDatabasesAnswerAsTheirBytesSayFirstHalf) { this->compareRandom(0, 2); }
 TYPED_TEST(LookupIn, RandomDatabasesAnswerAsTheirBytesSaySecondHalf) { this->compareRandom(1, 2); }
+
+TYPED_TEST(LookupIn, CutDatabasesAnswerAsTheirBytesSay) {
+  EXPECT_EQ(this->compare(tinyCutDatabase(), kAll), "");
+  EXPECT_EQ(this->tally_.refused, 0U);
+  const std::uint64_t runs = longRun() ? 100 : 10;
+  for (std::uint64_t seed = 1; seed <= runs; ++seed) {
+    EXPECT_EQ(this->compare(randomCutDatabase(seed), 60), "") << "seed " << seed;
+    EXPECT_EQ(this->tally_.refused, 0U) << "seed " << seed;
+  }
+}
 
 TYPED_TEST(LookupIn, DamagedNumbersAreDefinedAndEveryMeantDifferenceOccurs) {
   EXPECT_EQ(this->compare(this->edges(), 60), "");

@@ -38,12 +38,12 @@ std::string compareReader(ReaderWay way, const Database& database, const std::ve
                           Tally& tally) {
   ReaderOracle oracle(database.file);
   Oracle memory(database.file, Oracle::kMemory);
-  ReaderSession session(way, database.file);
+  const std::unique_ptr<ReaderFace> face = openFace(way, database.file);
   const std::string flaw = oracle.flaw();
-  if (session.database() == nullptr) {
+  if (!face->opened()) {
     ++tally.refused;
-    if (flaw.empty()) return database.name + ": refused: " + session.error().text + "\n";
-    return session.error().code == ErrorCode::kNone || session.error().text.empty()
+    if (flaw.empty()) return database.name + ": refused: " + face->error().text + "\n";
+    return face->error().code == ErrorCode::kNone || face->error().text.empty()
                ? database.name + ": refused without a reason\n"
                : "";
   }
@@ -58,7 +58,7 @@ std::string compareReader(ReaderWay way, const Database& database, const std::ve
     if (!readerHas(call.op) || !hasPattern(call)) continue;
     ++tally.calls[static_cast<std::size_t>(call.op)];
     const std::string wanted = oracle.answer(call);
-    const std::string got = session.answer(call);
+    const std::string got = face->answer(call);
     if (got != wanted) fail(call, "  got    " + got + "\n  wanted " + wanted + "\n");
     const ReaderDifferences& meant = oracle.readerDifferences();
     const bool differs = sameForm(call.op) && wanted != plain(memory.answer(call));

@@ -55,6 +55,8 @@ class ReaderOracle : public Oracle {
   [[nodiscard]] std::string flaw() const;
 
  private:
+  [[nodiscard]] bool listsEnd(std::size_t namesRba, std::size_t namesBytes, std::size_t listsRba,
+                              std::size_t listsBytes) const;
   void mean(ReaderDifference difference) { meant_.set(static_cast<std::size_t>(difference)); }
   // Record `index` of a table of `count`, or `count` bytes of a list of a table of `end` entries.
   Optional entry(Slot slot, std::uint64_t index, std::uint64_t count, std::uint32_t width);

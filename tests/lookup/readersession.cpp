@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "csession.h"
+
 namespace statecut::test {
 
 namespace {
@@ -39,6 +41,17 @@ Item asked(const Question& question, const Question& other, Ask ask) {
 }
 
 }  // namespace
+
+std::unique_ptr<ReaderFace> openFace(ReaderWay way, const Bytes& file) {
+  if (way == ReaderWay::kC || way == ReaderWay::kCBatches)
+    return std::make_unique<CSession>(file, way == ReaderWay::kCBatches);
+  return std::make_unique<ReaderSession>(way, file);
+}
+
+std::string patternOf(const Call& call) {
+  if (call.op != Op::kSequential || call.match == Match::kStarts) return call.name;
+  return "*" + call.name + (call.match == Match::kContains ? "*" : "");
+}
 
 ReaderSession::ReaderSession(ReaderWay way, const Bytes& file) : way_(way) {
   OpenOptions options;

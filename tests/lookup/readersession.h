@@ -1,5 +1,5 @@
 #pragma once
-// A Database opened on bytes, and its answers to calls.
+// A Database opened on bytes, and its answers to calls; itself, or through another face.
 
 #include <memory>
 #include <string>
@@ -10,17 +10,29 @@
 namespace statecut::test {
 
 // Through which of its ways a Database is asked.
-enum class ReaderWay : std::uint8_t { kSingle, kIndexed, kBatches, kIndexedBatches };
+enum class ReaderWay : std::uint8_t { kSingle, kIndexed, kBatches, kIndexedBatches, kC, kCBatches };
 
-class ReaderSession {
+class ReaderFace {
  public:
-  // The bytes stay the caller's.
+  virtual ~ReaderFace() = default;
+  [[nodiscard]] virtual bool opened() const = 0;
+  [[nodiscard]] virtual const Error& error() const = 0;
+  virtual std::string answer(const Call& call) = 0;
+};
+
+// The bytes stay the caller's.
+[[nodiscard]] std::unique_ptr<ReaderFace> openFace(ReaderWay way, const Bytes& file);
+
+// The pattern of a search that tells a match by a word.
+[[nodiscard]] std::string patternOf(const Call& call);
+
+class ReaderSession : public ReaderFace {
+ public:
   ReaderSession(ReaderWay way, const Bytes& file);
 
-  // Null when the file was refused.
-  [[nodiscard]] const v1::Database* database() const { return database_.get(); }
-  [[nodiscard]] const Error& error() const { return error_; }
-  std::string answer(const Call& call);
+  [[nodiscard]] bool opened() const override { return database_ != nullptr; }
+  [[nodiscard]] const Error& error() const override { return error_; }
+  std::string answer(const Call& call) override;
 
  private:
   [[nodiscard]] bool inBatches() const {

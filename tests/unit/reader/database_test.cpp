@@ -138,7 +138,7 @@ TEST_F(ADatabase, GivesTheZipCodesOfEachCity) {
       wanted[city.get(KeyRow::key)].insert(static_cast<std::uint16_t>(zip.key));
   std::size_t several = 0;
   for (std::uint32_t city = 0; city <= word(Ref::cityDataCount.at) + 1; ++city) {
-    const auto zips = database_->zipsOfCity(city);
+    const auto zips = database_->zipsOfCity(city).value();
     EXPECT_EQ(std::vector<std::uint16_t>(zips.begin(), zips.end()),
               std::vector<std::uint16_t>(wanted[city].begin(), wanted[city].end()))
         << city;
@@ -148,6 +148,37 @@ TEST_F(ADatabase, GivesTheZipCodesOfEachCity) {
     }
   }
   EXPECT_GT(several, 0U);
+}
+
+// A ZIP code may name no city at all.
+TEST_F(ADatabase, CityKeyNoneHasNoZipCodes) {
+  std::uint32_t key = 1;
+  while (database_->zipOfKey(key)->get(ZipDataRow::cityKeysCount) != 1) ++key;
+  const std::size_t at = word(Ref::zipDataRba.at) + std::size_t{key} * ZipDataRow::size;
+  const std::uint32_t city = le::get<2>(bytes_.data() + at + ZipDataRow::cityKey.at);
+  const auto without = open(damaged(at + ZipDataRow::cityKey.at, 2, 0));
+  ASSERT_NE(without, nullptr) << error_.text;
+  EXPECT_EQ(without->citiesOf(*without->zipOfKey(key))[0].get(KeyRow::key), 0U);
+  EXPECT_TRUE(without->zipsOfCity(0).value().empty());
+  EXPECT_EQ(without->zipsOfCity(city).value().size(),
+            database_->zipsOfCity(city).value().size() - 1);
+}
+
+TEST_F(ADatabase, APatternOfMoreThanTheLongestNameFitsNone) {
+  const CityName city = *database_->cityNames().begin();
+  const auto fitting = [&](const std::string& pattern) {
+    std::size_t count = 0;
+    for ([[maybe_unused]] const CityName& one : database_->cities(stateOf(*city), pattern)) ++count;
+    return count;
+  };
+  const std::string name(nameOf(*city));
+  EXPECT_GT(fitting(name), 0U);
+  EXPECT_GT(fitting("*" + name + "*"), 0U);
+  const std::string longest = name + std::string(28 - name.size(), 'A');
+  EXPECT_EQ(fitting(longest), 0U);
+  EXPECT_EQ(fitting(name + std::string(29 - name.size(), '*')), 0U);
+  EXPECT_EQ(fitting(longest + "A"), 0U);
+  EXPECT_EQ(fitting("*" + longest + "A*"), 0U);
 }
 
 TEST_F(ADatabase, SaysWhetherATruncatedNameFitsSeveral) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "base/le.h"
@@ -106,6 +107,51 @@ TEST_F(OpenDatabase, AListBehindItsTableIsRefused) {
   ASSERT_NE(open(damaged(fin + 2, 2, lists - zips)), nullptr) << error_.text;
   refusal(damaged(fin + 2, 2, lists - zips + 1), ErrorCode::kDamaged);
   EXPECT_EQ(error_.table, "Finance multi-ZIP RBAs");
+}
+
+// Of an ambiguous variation: its place in the file, and that of its list.
+struct Ambiguous {
+  std::size_t at;
+  std::size_t list;
+};
+
+TEST_F(OpenDatabase, AListOfStreetsBehindItsTableIsRefused) {
+  struct Tables {
+    const char* name;
+    std::size_t variations, bytes, lists, listBytes;  // their words in the control record
+  };
+  const Tables kinds[] = {
+      {"Street phonetics", Ref::streetPhoneticsRba.at, Ref::streetPhoneticsBytes.at,
+       Ref::streetPhoneticAmbDataRba.at, Ref::streetPhoneticAmbDataBytes.at},
+      {"Standardized street names", Ref::streetStandardsRba.at, Ref::streetStandardsBytes.at,
+       Ref::streetStandardAmbDataRba.at, Ref::streetStandardAmbDataBytes.at}};
+  ASSERT_NE(open(ref_), nullptr);
+  for (const Tables& kind : kinds) {
+    std::vector<Ambiguous> found;
+    const std::size_t begin = word(kind.variations);
+    const std::size_t end = begin + word(kind.bytes);
+    for (std::size_t at = begin; at < end; at += 5U + (bytes_[at + 4] & 0x7FU))
+      if (bytes_[at + 4] >= 0x80)
+        found.push_back({at, word(kind.lists) + le::get<4>(bytes_.data() + at)});
+    ASSERT_FALSE(found.empty()) << kind.name;
+    for (const Ambiguous& one : {found.front(), found.back()}) {
+      const std::string text = folder_.file("damaged") + ": the table " + kind.name + " at " +
+                               std::to_string(one.at) +
+                               " has a list of streets that ends behind its table";
+      EXPECT_EQ(refusal(damaged(one.list, 2, 0xFFFF), ErrorCode::kDamaged), text);
+      EXPECT_EQ(error_.table, kind.name);
+      EXPECT_EQ(error_.offset, one.at);
+      EXPECT_EQ(refusal(damaged(one.at, 4, word(kind.listBytes) - 1), ErrorCode::kDamaged), text);
+      EXPECT_EQ(refusal(damaged(one.at, 4, 0xFFFFFFFF), ErrorCode::kDamaged), text);
+    }
+    // The last entry of the last list has an SCF more than there is room for.
+    const std::size_t last = word(kind.lists) + word(kind.listBytes);
+    std::size_t entry = found.back().list + 2;
+    for (const Ambiguous& one : found) entry = std::max(entry, one.list + 2);
+    while (entry + 5 + 2U * bytes_[entry + 4] < last) entry += 5 + 2U * bytes_[entry + 4];
+    ASSERT_EQ(entry + 5 + 2U * bytes_[entry + 4], last);
+    refusal(damaged(entry + 4, 1, bytes_[entry + 4] + 1U), ErrorCode::kDamaged);
+  }
 }
 
 TEST_F(OpenDatabase, ARangeFileOfAnotherBuildOrACutIsRefused) {
