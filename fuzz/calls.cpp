@@ -34,7 +34,26 @@ const std::vector<const query::Op*>& operations() {
   return made;
 }
 
-std::uint32_t numberFrom(const Session& session, Input& input) {
+// What stands behind a text in its own object is no part of it.
+void guardText(const Arg& arg, bool guarded) {
+#ifdef STATECUT_POISON
+  constexpr std::size_t kInside = 15;  // bytes that need no block of their own
+  if (arg.text.size() >= kInside) return;
+  const char* const behind = arg.text.data() + arg.text.size() + 1;
+  const std::size_t count = kInside - arg.text.size();
+  if (guarded)
+    ASAN_POISON_MEMORY_REGION(behind, count);
+  else
+    ASAN_UNPOISON_MEMORY_REGION(behind, count);
+#else
+  static_cast<void>(arg);
+  static_cast<void>(guarded);
+#endif
+}
+
+}  // namespace
+
+std::uint32_t numberFrom(const unsigned char* record, Input& input) {
   const std::uint8_t way = input.u8();
   const auto& numbers = pool().numbers;
   if (way < 128) return numbers[way % numbers.size()];
@@ -54,7 +73,7 @@ std::uint32_t numberFrom(const Session& session, Input& input) {
     case 6: {
       // A table's count, or one beside it.
       const std::size_t at = format::tableDefs()[input.below(format::kTables)].countAt;
-      return le::get<4>(session.ref().bytes.data() + at) + input.u8() % 3U - 1U;
+      return le::get<4>(record + at) + input.u8() % 3U - 1U;
     }
     default:
       return 0x7FFFFFFFU + input.u8() % 3U;
@@ -89,11 +108,13 @@ std::string patternFrom(Input& input) {
   return text;
 }
 
+namespace {
+
 void fillArg(const Session& session, ArgKind kind, Input& input, Arg& arg) {
   constexpr NameMatcher kMatchers[] = {containsString, startsWith, endsWith};
   switch (kind) {
     case ArgKind::kNumber:
-      arg.number = numberFrom(session, input);
+      arg.number = numberFrom(session.ref().bytes.data(), input);
       break;
     case ArgKind::kState:
       arg.text = stateFrom(input);
@@ -114,23 +135,6 @@ void fillArg(const Session& session, ArgKind kind, Input& input, Arg& arg) {
       for (std::size_t left = input.below(8); left > 0; --left) arg.keys.push_back(input.u16());
       break;
   }
-}
-
-// What stands behind a text in its own object is no part of it.
-void guardText(const Arg& arg, bool guarded) {
-#ifdef STATECUT_POISON
-  constexpr std::size_t kInside = 15;  // bytes that need no block of their own
-  if (arg.text.size() >= kInside) return;
-  const char* const behind = arg.text.data() + arg.text.size() + 1;
-  const std::size_t count = kInside - arg.text.size();
-  if (guarded)
-    ASAN_POISON_MEMORY_REGION(behind, count);
-  else
-    ASAN_UNPOISON_MEMORY_REGION(behind, count);
-#else
-  static_cast<void>(arg);
-  static_cast<void>(guarded);
-#endif
 }
 
 }  // namespace

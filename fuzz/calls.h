@@ -1,6 +1,9 @@
 #pragma once
 // Calls of the operations of `statedb query`, made from an input and from what the tables hold.
 
+#include <cstdint>
+#include <string>
+
 #include "basepair.h"
 #include "input.h"
 #include "lookup/session.h"
@@ -12,5 +15,12 @@ namespace statecut::fuzz {
 void makeCall(Session& session, Input& input);
 
 [[nodiscard]] std::size_t operationCount();
+
+// Arguments: numbers and names of the tables or near them, counts of the control record at
+// `record`, and whatever the input says.
+std::uint32_t numberFrom(const unsigned char* record, Input& input);
+std::string textFrom(Input& input);
+std::string stateFrom(Input& input);  // two characters
+std::string patternFrom(Input& input);
 
 }  // namespace statecut::fuzz

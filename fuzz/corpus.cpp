@@ -142,6 +142,23 @@ void lookupSeeds(const Seeds& seeds, bool onDisk) {
                   someBytes(90, random));
 }
 
+// Each way to open and ask a Database, each damage with some calls.
+void databaseSeeds(const Seeds& seeds) {
+  constexpr unsigned char kDatabase = 0x20;  // of memory.cpp
+  builder::Random random(4);
+  for (unsigned char ways = 0; ways < 64; ++ways)
+    for (const BaseKind kind : {kWhole, kCutPair})
+      seeds.add("database-" + std::to_string(ways) + "-" + std::to_string(kind),
+                Bytes{header(kind), 0, kDatabase, ways} + someBytes(400, random));
+  unsigned char ways = 0;
+  for (const NamedEdit& edit : allEdits(3)) {
+    const BaseKind kind = ways % 4 == 0 ? kCutPair : kWhole;
+    seeds.add("database-" + edit.name,
+              Bytes{header(kind)} + edit.bytes + Bytes{kDatabase, ways} + someBytes(120, random));
+    ++ways;
+  }
+}
+
 void cutSeeds(const Seeds& seeds) {
   const Bytes lists[] = {{1, 0},        {1, 1},    {3, 0, 1, 2},   {0},
                          {2, 200, 250}, {2, 1, 1}, {4, 0, 1, 2, 3}};
@@ -241,7 +258,9 @@ void csvSeeds(const Seeds& seeds) {
 void writeSeeds(const std::string& root) {
   quietProcess();
   controlSeeds(Seeds(root, "control"));
-  lookupSeeds(Seeds(root, "memory"), false);
+  const Seeds memory(root, "memory");
+  lookupSeeds(memory, false);
+  databaseSeeds(memory);
   lookupSeeds(Seeds(root, "disk"), true);
   hashSeeds(Seeds(root, "hash"));
   cutSeeds(Seeds(root, "cut"));

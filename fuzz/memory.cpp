@@ -1,7 +1,9 @@
-// Loads of every table and the lookups in memory, or as each first call decides, on a damaged pair.
+// Loads of every table and the lookups in memory, or as each first call decides, on a damaged pair;
+// and the lookups of a Database.
 
 #include "basepair.h"
 #include "calls.h"
+#include "databasecalls.h"
 #include "lookup/tablesets.h"
 #include "tables/dbapi.h"
 
@@ -17,6 +19,8 @@ constexpr std::uint8_t kAllSets = 4;
 constexpr std::uint8_t kWithRange = 8;
 constexpr std::uint8_t kOtherReaders = 16;
 constexpr std::uint8_t kLargeTables = 0xE0;  // all of them
+constexpr std::uint8_t kDatabase = 0x20;     // without the highest: no session
+constexpr std::uint8_t kHighest = 0x80;
 
 // The readers that no lookup needs. Each fills slots of its own.
 constexpr TableReader* kOtherTables[] = {
@@ -47,6 +51,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   diskStart(limits);
   pair.mount();
   diskSink(kLogPath);
+  if ((bits & (kHighest | kDatabase)) == kDatabase) {
+    askDatabase(pair, input);
+    expectNothingLeft("a closed database");
+    return 0;
+  }
 
   SessionSettings settings;
   settings.ref = kRefPath;
