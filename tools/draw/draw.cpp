@@ -43,10 +43,9 @@ bool save(const std::string& out, const std::string& report, std::string& error)
 }
 
 std::string make(const Options& options, std::string& error) {
-  std::vector<builder::Place> places;
-  if (!builder::readPlaces(options.places, places, error)) return {};
   const Sources sources = openSources(options, error);
-  if (!error.empty()) return {};
+  std::vector<builder::Place> places;
+  if (!error.empty() || !builder::readPlaces(options.places, places, error)) return {};
   const Figures figures = collect(sources, options);
   const Atlas atlas(places);
   if (options.svg) return pictureSvg(figures, atlas, options.credit);

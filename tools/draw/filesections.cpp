@@ -18,11 +18,12 @@ std::string labelClass(const std::string& label, double share) {
   return "at" + std::to_string(std::max(3, static_cast<int>(needed / 100) + 1)) + "00";
 }
 
-std::string piece(const Slice& slice, double width, int height, const std::string& title,
-                  const std::string& label) {
+// `look` is "piece", which stands apart from its neighbours, or "kept".
+std::string piece(const char* look, const Slice& slice, double width, int height,
+                  const std::string& title, const std::string& label) {
   std::string svg = "<svg x=\"" + percent(slice.at) + "\" width=\"" + percent(width) +
                     "\" height=\"" + std::to_string(height) + "\"><title>" + escaped(title) +
-                    "</title><rect class=\"piece f-" + familyId(slice.piece->family) +
+                    "</title><rect class=\"" + look + " f-" + familyId(slice.piece->family) +
                     "\" width=\"100%\" height=\"100%\"/>";
   if (!label.empty())
     if (const std::string shownAt = labelClass(label, width); !shownAt.empty())
@@ -58,11 +59,11 @@ std::string pieceBars(const File& file) {
   for (const Slice& slice : slicesOf(file)) {
     const Piece& of = *slice.piece;
     source += piece(
-        slice, slice.width, kHigh,
+        "piece", slice, slice.width, kHigh,
         of.name + ": " + grouped(of.bytes) + " bytes, " + shareText(of.bytes, file.bytes), of.name);
     if (slice.kept > 0)
       cut += piece(
-          slice, slice.width * slice.kept, kLow,
+          "kept", slice, slice.width * slice.kept, kLow,
           of.name + " in the cut: " + grouped(of.kept) + " of " + grouped(of.bytes) + " bytes", "");
   }
   std::string html =
@@ -131,8 +132,8 @@ std::string scaleBars(const Figures& figures) {
 }
 
 std::string fact(const std::string& value, const std::string& label, const std::string& more) {
-  return "<div><dt>" + escaped(label) + "</dt><dd>" + escaped(value) +
-         (more.empty() ? "" : " <small>" + escaped(more) + "</small>") + "</dd></div>\n";
+  return "<div><dt>" + escaped(label) + "</dt><dd>" + escaped(value) + "</dd>" +
+         (more.empty() ? "" : "<dd class=\"more\">" + escaped(more) + "</dd>") + "</div>\n";
 }
 
 }  // namespace

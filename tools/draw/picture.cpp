@@ -100,7 +100,7 @@ class Picture {
       body_ += rectangle(x, y_, width, kCutBar, " class=\"track\"/>\n");
       if (slice.kept > 0)
         body_ += rectangle(x, y_, width * slice.kept, kCutBar,
-                           std::string(" class=\"piece f-") + familyId(slice.piece->family) +
+                           std::string(" class=\"kept f-") + familyId(slice.piece->family) +
                                "\"><title>" + escaped(slice.piece->name) +
                                " in the cut: " + grouped(slice.piece->kept) + " of " +
                                grouped(slice.piece->bytes) + " bytes</title></rect>\n");

@@ -23,6 +23,8 @@
     return ofCity.get(names[name].known) || [];
   };
 
+  const compare = (a, b) => (a < b ? -1 : a > b ? 1 : 0);
+
   const findZips = (text) => zips.filter((zip) => zip.code.startsWith(text));
 
   const findCities = (text) => {
@@ -42,7 +44,7 @@
     tries.push([words.join(' ')]);
     for (const [wanted, state] of tries) {
       const result = search(wanted, state);
-      if (result.length) return result;
+      if (result.length) return result.sort((a, b) => compare(names[a].name, names[b].name) || a - b);
     }
     return [];
   };

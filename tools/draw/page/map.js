@@ -7,6 +7,7 @@ const map = (() => {
   const silent = here.textContent;
   let mode = data.modes[0].id;
   let marked = [];
+  const kRings = 6;
 
   const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 
@@ -35,14 +36,18 @@ const map = (() => {
   };
 
   const drawMarks = () => {
-    pen.strokeStyle = colour('ink');
-    pen.lineWidth = Math.max(1.5, 1.5 * data.width / canvas.clientWidth);
-    const radius = Math.max(7, 6 * data.width / canvas.clientWidth);
+    // A few have rings; of many each is a larger dot.
+    const few = marked.length <= kRings;
+    const pixel = data.width / canvas.clientWidth;
+    const radius = few ? Math.max(7, 6 * pixel) : Math.max(2, 1.6 * pixel);
+    pen.strokeStyle = pen.fillStyle = colour('ink');
+    pen.lineWidth = Math.max(1.5, 1.5 * pixel);
     for (const zip of marked) {
       if (zip.x === undefined) continue;
       pen.beginPath();
       pen.arc(zip.x, zip.y, radius, 0, 2 * Math.PI);
-      pen.stroke();
+      if (few) pen.stroke();
+      else pen.fill();
     }
   };
 
