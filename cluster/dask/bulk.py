@@ -7,7 +7,9 @@ usage: bulk.py --scheduler-file FILE|--scheduler ADDRESS --ref city.dir [--rng z
 
 The file is split at line ends into blocks; a worker answers a block by one process of statedb query
 --errors=answer. Lookups, answers and databases lie on a file system that all hosts share, under the
-same names. The answers are those that one process would give to the whole file, byte for byte; a line
+same names. With --reader python the Python reader (statecut), which every worker must be able to
+import, answers the plain calls for ZIP codes, streets and firms, with --reader auto where it can. The
+answers are those that one process would give to the whole file, byte for byte; a line
 that is not understood has its error in its place. A worker that dies costs the blocks it worked on:
 others make them again.
 CSV: one header line that names the columns, lines without line breaks inside quotes; "zip:number" in
@@ -28,6 +30,13 @@ import uuid
 from distributed import Client
 
 PATIENCE = 60  # seconds without any worker until the run gives up
+
+# The calls that the Python reader answers, as they are mostly written: an id that is a number or none,
+# a ZIP code or a name. All others, and what is no call, are for statedb.
+PLAIN_CALL = re.compile(
+    rb'\{(?:"id": ?(0|[1-9][0-9]{0,14}), ?)?'
+    rb'"op": ?"(?:(dbGetZipData|dbGetZipIndex)", ?"args": ?\[([1-9][0-9]{0,4})'
+    rb'|(dbFindStreetKey|dbFindFirm)", ?"args": ?\["([ !#-\[\]-~]{1,28})")\]\}')
 
 
 class CannotRun(Exception):
@@ -74,14 +83,70 @@ def columns_of(header, names):
     return columns
 
 
-def answer_block(command, path, begin, end, op, columns, part):
-    """Writes the answers of a block to part; returns the lines answered and not understood."""
+def reader_of(ref, wanted):
+    """The database of the Python reader; None where there is none and none is asked for."""
+    try:
+        import statecut
+        return None if wanted == "statedb" else statecut.Database(ref)
+    except Exception:
+        if wanted == "python":
+            raise
+        return None
+
+
+def read_answers(database, calls):
+    """The answers of plain calls, as statedb query writes them."""
+    ids, zip_ops, numbers, name_ops, names = zip(*(call.groups() for call in calls))
+    zips = iter(database.find_zips(f"{int(number):05}" for number in numbers if number))
+    texts = {op: [name.decode() for of, name in zip(name_ops, names) if of == op]
+             for op in (b"dbFindStreetKey", b"dbFindFirm")}
+    found = {b"dbFindStreetKey": iter(database.find_streets(texts[b"dbFindStreetKey"])),
+             b"dbFindFirm": iter(database.find_firms(texts[b"dbFindFirm"]))}
+    for number, zip_op, name_op in zip(ids, zip_ops, name_ops):
+        one = next(zips) if zip_op else next(found[name_op])
+        if zip_op == b"dbGetZipData":
+            record = f'"{one.record.hex()}"' if one else "null"
+            answer = f'"record":{record},"key":{one.key if one else 0}'
+        else:
+            answer = f'"result":{one.key if one else 0 if zip_op else -1}'
+        before = '"id":' + number.decode() + "," if number else ""
+        yield f'{{{before}"op":"{(zip_op or name_op).decode()}",{answer}}}'.encode()
+
+
+def answer_plain(database, calls):
+    """The answers of the plain calls by the number of their lines, and the other lines."""
+    lines = calls.removesuffix(b"\n").split(b"\n")
+    matches = [PLAIN_CALL.fullmatch(line) for line in lines]
+    plain = [number for number, match in enumerate(matches) if match]
+    answers = read_answers(database, [matches[number] for number in plain]) if plain else ()
+    others = [line for line, match in zip(lines, matches) if not match]
+    return dict(zip(plain, answers)), b"".join(line + b"\n" for line in others)
+
+
+def put_between(plain, path):
+    """The answers in the file, with the plain ones at their lines."""
+    with open(path, "rb") as file:
+        others = file.read().removesuffix(b"\n").split(b"\n") if os.path.getsize(path) else []
+    rest = iter(others)
+    with open(path, "wb") as file:
+        for number in range(len(plain) + len(others)):
+            file.write((plain[number] if number in plain else next(rest)) + b"\n")
+
+
+def answer_block(command, path, begin, end, op, columns, reader, part):
+    """Writes the answers of a block to part; returns the lines answered and not understood, and how
+    many of the former the Python reader answered."""
     with open(path, "rb") as file:
         file.seek(begin)
         calls = file.read(end - begin)
     if op:
         rows = calls.removesuffix(b"\n").split(b"\n")
         calls = b"\n".join(call_of_row(row.removesuffix(b"\r"), op, columns) for row in rows) + b"\n"
+    plain = {}
+    database = reader_of(*reader)
+    if database is not None:
+        with database:
+            plain, calls = answer_plain(database, calls)
     # The name is this attempt's own: a worker that was given up may still be at work.
     attempt = f"{part}.{uuid.uuid4().hex}"
     with open(attempt, "wb") as answers:
@@ -92,25 +157,28 @@ def answer_block(command, path, begin, end, op, columns, part):
         os.remove(attempt)
         raise RuntimeError(f"{path}, bytes {begin} to {end}: status {run.returncode}: {said}")
     answered, bad = map(int, counts.groups())
-    lines = calls.count(b"\n") + (not calls.endswith(b"\n"))
+    lines = calls.count(b"\n") + (calls[-1:] not in (b"", b"\n"))
     if answered + bad != lines:
         os.remove(attempt)
         raise RuntimeError(f"{path}, bytes {begin} to {end}: {lines} lines, {answered + bad} answers")
+    if plain:
+        put_between(plain, attempt)
     os.replace(attempt, part)
-    return answered, bad
+    return answered + len(plain), bad, len(plain)
 
 
 def run_blocks(client, jobs, progress):
     """Runs the jobs; returns the sums of what they return."""
     pending = {client.submit(answer_block, *job, retries=2, pure=False) for job in jobs}
-    answered = bad = done = 0
+    sums = (0, 0, 0)
+    done = 0
     seen = time.monotonic()
     while pending:
         ended = {future for future in pending if future.done()}
         pending -= ended
         for future in ended:
-            one_answered, one_bad = future.result()
-            answered, bad, done = answered + one_answered, bad + one_bad, done + 1
+            sums = tuple(map(sum, zip(sums, future.result())))
+            done += 1
         if ended and progress:
             print(f"bulk.py: {done} of {len(jobs)} blocks", file=sys.stderr)
         if client.scheduler_info()["workers"]:
@@ -119,7 +187,7 @@ def run_blocks(client, jobs, progress):
             raise CannotRun(f"no worker for {PATIENCE} s")
         if not ended:
             time.sleep(0.1)
-    return answered, bad
+    return sums
 
 
 def answer_file(client, options):
@@ -137,9 +205,10 @@ def answer_file(client, options):
     parts = f"{answers}.parts.{uuid.uuid4().hex}"
     os.mkdir(parts)
     try:
-        jobs = [(command, source, begin, end, options.op, columns, f"{parts}/{number}")
+        reader = os.path.abspath(options.ref), options.reader
+        jobs = [(command, source, begin, end, options.op, columns, reader, f"{parts}/{number}")
                 for number, (begin, end) in enumerate(blocks_of(source, start, count))]
-        answered, bad = run_blocks(client, jobs, options.progress)
+        answered, bad, read = run_blocks(client, jobs, options.progress)
         with open(f"{parts}/all", "wb") as whole:
             for job in jobs:
                 with open(job[-1], "rb") as part:
@@ -148,7 +217,8 @@ def answer_file(client, options):
         os.replace(f"{parts}/all", answers)
     finally:
         shutil.rmtree(parts, ignore_errors=True)
-    print(f"bulk.py: {answered} answered, {bad} not understood, {len(jobs)} blocks")
+    by_reader = f", {read} by the Python reader" if read else ""
+    print(f"bulk.py: {answered} answered, {bad} not understood, {len(jobs)} blocks{by_reader}")
 
 
 def main():
@@ -162,6 +232,8 @@ def main():
     parser.add_argument("--op", help="CSV: the call that each line is")
     parser.add_argument("--args", help="CSV: the columns of its arguments, NAME or NAME:number")
     parser.add_argument("--blocks", type=int, help="so many blocks; by default of 8 MiB")
+    parser.add_argument("--reader", choices=("statedb", "auto", "python"), default="statedb",
+                        help="the Python reader, too: auto, where a worker has it; python, everywhere")
     parser.add_argument("--progress", action="store_true", help="a line when a block is done")
     parser.add_argument("--statedb", default=os.environ.get("STATEDB", "statedb"))
     parser.add_argument("lookups")
