@@ -101,6 +101,15 @@ class Binaries : public testing::Test {
     EXPECT_EQ(readWholeFile(folder_.file("zip4us.dir")), pair.rng);
   }
 
+  // A small pair with a range file of so many MiB; its folder.
+  std::string buildSmall(int rangeMiB) {
+    expectEnd(kStatedb,
+              {"build", "--profile", "small", "--range-mb", std::to_string(rangeMiB), "--out",
+               folder_.file("small")},
+              {0}, 60.0);
+    return folder_.file("small");
+  }
+
   void runSample(const Damages& damages, const std::vector<std::size_t>& chosen,
                  double mostSeconds) {
     for (const std::size_t i : chosen) {
@@ -133,6 +142,18 @@ TEST_F(Binaries, EndByThemselvesOnACountOfALargeTable) {
   const Damages damages = fieldValues(microPair());
   const auto large = [&](const Damage& damage) { return hostile(microPair(), damages, damage); };
   runSample(damages, choose(damages, 0, 1, {kSanitized ? 40U : 20U, 1}, large), 60.0);
+}
+
+// Range files are passed over, and do not pile up.
+TEST_F(Binaries, ADifferenceTakesTheMemoryOfTheReferenceFiles) {
+  if (kSanitized) GTEST_SKIP() << "a sanitizer takes its own memory";
+  constexpr long kMostKiB = 48L << 10;
+  const std::string folder = buildSmall(64);
+  expectEnd(kStatedb,
+            {"diff", folder + "/city.dir", folder + "/city.dir", "--rng", folder + "/zip4us.dir",
+             folder + "/zip4us.dir"},
+            {0}, 60.0);
+  EXPECT_LT(childUsage().ru_maxrss, kMostKiB);
 }
 
 }  // namespace

@@ -83,9 +83,16 @@ class Contents {
     compare(Kind::Sfh, true, state, before_.ofCityArea(was), after_.ofCityArea(is), addCity);
   }
 
-  bool same(const Partition& was, const Partition& is) const {
+  bool same(const Partition& was, const Partition& is) {
     const auto before = contentOf(comparison_.before, was);
     const auto after = contentOf(comparison_.after, is);
+    // What was compared does not pile up in memory: a range file is passed over once.
+    held_ += before.size() + after.size();
+    if (held_ > kMostHeld) {
+      comparison_.before.forgetRangePages();
+      comparison_.after.forgetRangePages();
+      held_ = 0;
+    }
     return was.bytes == is.bytes && before.size() == after.size() &&
            (before.empty() || std::memcmp(before.data(), after.data(), before.size()) == 0);
   }
@@ -123,12 +130,14 @@ class Contents {
   }
 
   static constexpr std::size_t kSame = SIZE_MAX;
+  static constexpr std::size_t kMostHeld = 8 << 20;
 
   const Comparison& comparison_;
   Changes& changes_;
   Partitions before_;
   Partitions after_;
   std::map<Place, std::size_t> known_;  // position among the changes
+  std::size_t held_ = 0;                // bytes of range files that were read lately
 };
 
 }  // namespace

@@ -37,6 +37,7 @@ class Release {
   }
   std::span<const unsigned char> referenceBytes() const { return ref_.bytes(); }
   std::span<const unsigned char> rangeBytes() const { return rng_.bytes(); }
+  void forgetRangePages() const { rng_.forgetPages(); }
 
   // The key of a ZIP code, 0 = not in the index, or not in the table that it leads into.
   std::uint32_t zipKey(std::uint32_t zip) const;

@@ -24,6 +24,10 @@ struct Descriptor {
 
 }  // namespace
 
+void MappedFile::forgetPages() const {
+  if (at_ != nullptr) (void)madvise(const_cast<unsigned char*>(at_), size_, MADV_DONTNEED);
+}
+
 void exitOnLostPage() {
   struct sigaction action {};
   action.sa_handler = [](int) {

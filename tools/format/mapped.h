@@ -20,6 +20,9 @@ class MappedFile {
   ~MappedFile();
 
   std::span<const unsigned char> bytes() const { return {at_, size_}; }
+  // Takes the pages that were read out of this process's memory; they are read again when they are
+  // needed.
+  void forgetPages() const;
 
  private:
   const unsigned char* at_ = nullptr;
