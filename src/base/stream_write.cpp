@@ -11,7 +11,7 @@ namespace statecut {
 namespace {
 
 constexpr std::uint64_t kLeastAppend = 32 * 1024;    // below that the buffer is faster
-constexpr std::size_t kAppendWindow = 1024 * 1024;   // fits in the cache of a core
+constexpr std::size_t kAppendWindow = 512 * 1024;    // fits in the cache of a core
 constexpr std::uint64_t kLeastReserve = 256 * 1024;  // below that the call costs more than it saves
 
 LargeBlock window;  // one for all streams, as one appends at a time

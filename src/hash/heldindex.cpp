@@ -29,6 +29,7 @@ struct Held {
 };
 
 std::array<Held, kNameLayouts.size()> held;
+bool anyHeld = false;  // something to drop
 
 Origin originOf(const TableView& view, std::uint32_t type) {
   const NameLayout& layout = kNameLayouts[type];
@@ -65,6 +66,7 @@ Held& heldOf(const TableView& view, std::uint32_t type) {
     return of;
   of = Held();
   of.origin = origin;
+  anyHeld = true;
   return of;
 }
 
@@ -93,6 +95,8 @@ const NameIndex* madeIndex(const TableView& view, std::uint32_t type) {
 }
 
 void dbHashDropIndexes() {
+  if (!anyHeld) return;
+  anyHeld = false;
   for (Held& of : held) of = Held();
 }
 

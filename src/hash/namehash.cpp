@@ -41,60 +41,23 @@ std::int32_t zapHashedName(const unsigned char* name, std::int32_t length, std::
   return static_cast<std::int32_t>(old);
 }
 
-namespace {
-
-constexpr std::size_t kLanes = 4;
-static_assert(kZapBatch % kLanes == 0);
-
-// The hashes of four names: each step of one waits for the step before, so the four take turns.
-void hashLanes(const HashedName* names, std::uint32_t seed, std::uint32_t* hashes) {
-  const unsigned char* ends[kLanes];
-  std::int32_t common = names[0].length;
-  for (std::size_t lane = 0; lane < kLanes; ++lane) {
-    hashes[lane] = seed;
-    ends[lane] = names[lane].name + names[lane].length;
-    common = std::min(common, names[lane].length);
-  }
-  for (std::int32_t i = 1; i <= common; ++i)
-    for (std::size_t lane = 0; lane < kLanes; ++lane)
-      hashes[lane] = fnvBackwardStep(hashes[lane], *(ends[lane] - i));
-  for (std::size_t lane = 0; lane < kLanes; ++lane)
-    hashes[lane] = fnv_32_buf_backward(names[lane].name, names[lane].length - common, hashes[lane]);
-}
-
-// A search of a batch.
-struct Search {
-  unsigned char* slot;
-  std::uint32_t check;
-};
-
-void startSearches(std::span<const HashedName> batch, std::uint32_t type, const TableView& view,
-                   Search* searches) {
-  const std::uint32_t slotCount = view.word(RefControlRec::hashTableCount);
-  const std::uint32_t seed = kFnvOffsetBasis + type;
-  std::array<std::uint32_t, kZapBatch> hashes;
-  std::size_t done = 0;
-  for (; done + kLanes <= batch.size(); done += kLanes)
-    hashLanes(&batch[done], seed, &hashes[done]);
-  for (; done < batch.size(); ++done)
-    hashes[done] = fnv_32_buf_backward(batch[done].name, batch[done].length, seed);
-  for (std::size_t i = 0; i < batch.size(); ++i) {
-    const Probe probe = probeOf(hashes[i], type, slotCount);
-    searches[i] = {slotOf(probe, view), probe.check};
-    if (searches[i].slot != nullptr) __builtin_prefetch(searches[i].slot, 1);
-  }
-}
-
-}  // namespace
-
 void zapHashedNames(std::span<const HashedName> names, std::uint32_t type) {
   const TableView view = hashedTables();
   if (view.record == nullptr) return;
   dbHashDropIndexes();
+  const std::uint32_t slotCount = view.word(RefControlRec::hashTableCount);
+  struct Search {
+    unsigned char* slot;
+    std::uint32_t check;
+  };
   std::array<Search, kZapBatch> searches{};
   for (std::size_t from = 0; from < names.size(); from += kZapBatch) {
     const auto batch = names.subspan(from, std::min(kZapBatch, names.size() - from));
-    startSearches(batch, type, view, searches.data());
+    for (std::size_t i = 0; i < batch.size(); ++i) {
+      const Probe probe = probeOf(batch[i].name, batch[i].length, type, slotCount);
+      searches[i] = {slotOf(probe, view), probe.check};
+      if (searches[i].slot != nullptr) __builtin_prefetch(searches[i].slot, 1);
+    }
     for (std::size_t i = 0; i < batch.size(); ++i) {
       if (searches[i].slot != nullptr)
         __builtin_prefetch(entriesOf(searches[i].slot, view).first, 1);

@@ -25,16 +25,12 @@ inline constexpr std::uint32_t kNotFound = 0xFFFFFFFFu;
 
 std::uint32_t fnv_32_buf(const unsigned char* buffer, std::int32_t length, std::uint32_t seed);
 
-// Deliberate, as every stored index is made so: a byte below 32 wraps and sets the upper bits.
-[[nodiscard]] constexpr std::uint32_t fnvBackwardStep(std::uint32_t hash, unsigned char byte) {
-  return (hash * kFnvPrime) ^ (byte - 32u);
-}
-
 // From the last byte to the first.
 inline std::uint32_t fnv_32_buf_backward(const unsigned char* buffer, std::int32_t length,
                                          std::uint32_t seed) {
   std::uint32_t hash = seed;
-  const auto step = [&hash](const unsigned char* at) { hash = fnvBackwardStep(hash, *at); };
+  // Deliberate, as every stored index is made so: a byte below 32 wraps and sets the upper bits.
+  const auto step = [&hash](const unsigned char* at) { hash = (hash * kFnvPrime) ^ (*at - 32u); };
   if (length <= 0) return hash;
   const unsigned char* at = buffer + length;
   for (; at - buffer >= 4; at -= 4) {

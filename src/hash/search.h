@@ -20,14 +20,11 @@ struct Probe {
 };
 
 // In an index of `slotCount` slots.
-[[gnu::always_inline]] inline Probe probeOf(std::uint32_t hash, std::uint32_t type,
-                                            std::uint32_t slotCount) {
-  const std::uint32_t mask = slotCount - 1;
-  return {hash & mask, type | ((hash & ~mask) >> 16)};
-}
 [[gnu::always_inline]] inline Probe probeOf(const unsigned char* name, std::int32_t length,
                                             std::uint32_t type, std::uint32_t slotCount) {
-  return probeOf(fnv_32_buf_backward(name, length, kFnvOffsetBasis + type), type, slotCount);
+  const std::uint32_t mask = slotCount - 1;
+  const std::uint32_t hash = fnv_32_buf_backward(name, length, kFnvOffsetBasis + type);
+  return {hash & mask, type | ((hash & ~mask) >> 16)};
 }
 
 // The mask that is kept with the process-wide tables becomes that of an index of `slotCount` slots,

@@ -70,11 +70,12 @@ TEST_F(Append, NothingMovesBehindTheEndOfTheSource) {
 TEST_F(Append, WindowsEndAtRoundPositionsOfTheTarget) {
   const std::string large = bytes_ + bytes_ + bytes_ + bytes_;
   std::ofstream(path("source"), std::ios::binary) << large;
-  const std::size_t window = std::size_t{1} << 20;
+  const std::size_t window = std::size_t{512} << 10;
   ASSERT_EQ(streamWrite(to_, "head", 4), 4u);
   ASSERT_EQ(streamAppend(to_, from_, 10, large.size() - 10), window - 4);
-  ASSERT_EQ(streamAppend(to_, from_, window + 6, large.size() - window - 6),
-            large.size() - window - 6);
+  ASSERT_EQ(streamAppend(to_, from_, window + 6, large.size() - window - 6), window);
+  const std::size_t left = large.size() - 2 * window - 6;
+  ASSERT_EQ(streamAppend(to_, from_, 2 * window + 6, left), left);
   EXPECT_EQ(written(), "head" + large.substr(10));
 }
 
