@@ -157,7 +157,7 @@ Damager::Damager(PairImage pair, const PairImage* source, Queries which)
       folder_(baseFolder()),
       files_{folder_.path(), "pair"},
       programs_(files_, source == nullptr ? PairFiles{} : PairFiles{files_.folder, "source"},
-                queriesOf(pair_, which)) {
+                queriesOf(pair_, which), ReaderProgram(pair_.ref, which == Queries::kAll)) {
   ::setenv("SOURCE_DATE_EPOCH", "1767225601", 1);
   writeWholeFile(files_.folder + "/states",
                  FileBytes(kMicroStates, kMicroStates + std::strlen(kMicroStates)));
@@ -201,7 +201,7 @@ std::string Damager::tryOne(const Damages& damages, const Damage& damage, const 
   setTimer(1e6);
   // A machine that does not run for a while charges it to whoever was running.
   if (!programs_.tooLong.empty()) programs_.run(damage.programs, limits.seconds, [](Program) {});
-  std::string wrong = programs_.tooLong;
+  std::string wrong = programs_.tooLong + programs_.wrong;
   const std::uint64_t memory =
       limits.memory +
       (limits.timesTables == 0 ? 0 : limits.timesTables * tableBytes(pair_, damages, damage));

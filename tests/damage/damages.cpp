@@ -94,13 +94,13 @@ PairImage damaged(const PairImage& pair, const Damage& damage) {
 
 Damages everyLength(const PairImage& pair) {
   const auto index = format::placeTable(format::TableId::ZipIndex, pair.ref);
-  const auto programsAt = [&](bool range, std::uint64_t length) -> std::uint8_t {
+  const auto programsAt = [&](bool range, std::uint64_t length) -> std::uint16_t {
     constexpr std::uint64_t kEdge = 64;
     if (range || length < index.rba + kEdge || length + kEdge > index.rba + index.bytes)
       return kAllPrograms;
-    constexpr std::uint8_t kTurns[] = {
+    constexpr std::uint16_t kTurns[] = {
         bitOf(Program::kCut), bitOf(Program::kInfo) | bitOf(Program::kIn), bitOf(Program::kFirst),
-        bitOf(Program::kOff) | bitOf(Program::kCached)};
+        bitOf(Program::kOff) | bitOf(Program::kCached), bitOf(Program::kReader)};
     return kTurns[length / 4 % std::size(kTurns)] | bitOf(Program::kVerify);
   };
   Damages made;
@@ -210,15 +210,15 @@ std::uint64_t tableBytes(const PairImage& pair, const Damages& damages, const Da
 }
 
 void takeTurns(Damages& damages) {
-  constexpr Program kTurns[] = {Program::kCut,   Program::kIn,     Program::kOff,
-                                Program::kFirst, Program::kCached, Program::kInfo};
+  constexpr Program kTurns[] = {Program::kCut,    Program::kIn,   Program::kOff,   Program::kFirst,
+                                Program::kCached, Program::kInfo, Program::kReader};
   // All of them in each of four shards, too.
   std::size_t i = 0;
   for (Damage& damage : damages.list) {
     const std::size_t turn = i + i / 4;
     ++i;
-    damage.programs = static_cast<std::uint8_t>(bitOf(kTurns[turn % std::size(kTurns)]) |
-                                                bitOf(Program::kVerify));
+    damage.programs = static_cast<std::uint16_t>(bitOf(kTurns[turn % std::size(kTurns)]) |
+                                                 bitOf(Program::kVerify));
   }
 }
 

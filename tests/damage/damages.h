@@ -35,11 +35,11 @@ enum class How : std::uint8_t { kSet, kFlip, kShorten };
 struct Damage {
   How how = How::kSet;
   bool range = false;
-  std::uint64_t at = 0;          // byte offset; kShorten: the new length
-  std::uint32_t width = 0;       // kSet
-  std::uint32_t value = 0;       // kSet: little-endian number; kFlip: bit 0 to 7
-  std::uint32_t field = 0;       // kSet, kFlip: index into Damages::fields
-  std::uint8_t programs = 0x7F;  // which programs run, a bit each: all but the last, diff
+  std::uint64_t at = 0;           // byte offset; kShorten: the new length
+  std::uint32_t width = 0;        // kSet
+  std::uint32_t value = 0;        // kSet: little-endian number; kFlip: bit 0 to 7
+  std::uint32_t field = 0;        // kSet, kFlip: index into Damages::fields
+  std::uint16_t programs = 0xFF;  // which programs run, a bit each: all but the last, diff
 };
 
 struct Damages {

@@ -63,11 +63,12 @@ const char* nameOf(Program program) {
                                            "statedb query first",
                                            "statedb query off",
                                            "statedb query cached",
+                                           "a Database",
                                            "statedb diff"};
   return kNames[static_cast<std::size_t>(program)];
 }
 
-std::string Behaviour::difference(const Behaviour& other, std::uint8_t which) const {
+std::string Behaviour::difference(const Behaviour& other, std::uint16_t which) const {
   if ((which & bitOf(Program::kCut)) != 0) {
     if (cutStatus != other.cutStatus)
       return "the cut's status is " + std::to_string(other.cutStatus);
@@ -89,8 +90,12 @@ std::string Behaviour::difference(const Behaviour& other, std::uint8_t which) co
   return "";
 }
 
-Programs::Programs(PairFiles files, PairFiles source, std::vector<Query> queries)
-    : files_(std::move(files)), source_(std::move(source)), queries_(std::move(queries)) {}
+Programs::Programs(PairFiles files, PairFiles source, std::vector<Query> queries,
+                   ReaderProgram reader)
+    : files_(std::move(files)),
+      source_(std::move(source)),
+      queries_(std::move(queries)),
+      reader_(std::move(reader)) {}
 
 void Programs::runOne(Program program, double mostSeconds) {
   const double start = processorSeconds();
@@ -103,6 +108,9 @@ void Programs::runOne(Program program, double mostSeconds) {
       break;
     case Program::kInfo:
       info();
+      break;
+    case Program::kReader:
+      wrong = reader_.run(files_.ref(), files_.rng(), behaviour.answers[4]);
       break;
     case Program::kDiff:
       difference();

@@ -1,6 +1,6 @@
 #pragma once
-// The programs on one pair, run inside this process: what each of them does is kept and
-// compared, and each must end by itself in bounded time.
+// The programs and a Database on one pair, run inside this process: what each of them does is kept
+// and compared, and each must end by itself in bounded time.
 
 #include <array>
 #include <cstdint>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "damages.h"
+#include "readerprogram.h"
 
 namespace statecut::test {
 
@@ -34,14 +35,15 @@ enum class Program : std::uint8_t {
   kFirst,
   kOff,
   kCached,
+  kReader,
   kDiff,
   kCount_
 };
 inline constexpr std::size_t kPrograms = static_cast<std::size_t>(Program::kCount_);
 const char* nameOf(Program program);
-inline constexpr std::uint8_t kAllPrograms = 0xFF;
-constexpr std::uint8_t bitOf(Program program) {
-  return static_cast<std::uint8_t>(1U << static_cast<unsigned>(program));
+inline constexpr std::uint16_t kAllPrograms = 0x1FF;
+constexpr std::uint16_t bitOf(Program program) {
+  return static_cast<std::uint16_t>(1U << static_cast<unsigned>(program));
 }
 
 // What a user of the pair gets.
@@ -49,11 +51,11 @@ struct Behaviour {
   int cutStatus = 0;
   std::string cutRef;
   std::string cutRng;
-  std::array<std::string, 4> answers;  // by variant: in, first, off, cached
+  std::array<std::string, 5> answers;  // by variant: in, first, off, cached, Database
 
   // "" when both are the same, else what differs; of the programs whose bits are set.
   [[nodiscard]] std::string difference(const Behaviour& other,
-                                       std::uint8_t which = kAllPrograms) const;
+                                       std::uint16_t which = kAllPrograms) const;
   [[nodiscard]] bool cutDiffers(const Behaviour& other) const {
     return cutRef != other.cutRef || cutRng != other.cutRng;
   }
@@ -67,13 +69,14 @@ struct Verdict {
 class Programs {
  public:
   // `source` is empty, or the pair that the files were cut from.
-  Programs(PairFiles files, PairFiles source, std::vector<Query> queries);
+  Programs(PairFiles files, PairFiles source, std::vector<Query> queries, ReaderProgram reader);
 
   // Runs those whose bits are set; `onStart(program)` is told before each. A program that takes
   // more processor time is named in `tooLong`.
   template <typename OnStart>
-  void run(std::uint8_t which, double mostSeconds, OnStart&& onStart) {
+  void run(std::uint16_t which, double mostSeconds, OnStart&& onStart) {
     tooLong.clear();
+    wrong.clear();
     for (std::size_t i = 0; i < kPrograms; ++i) {
       const auto program = static_cast<Program>(i);
       if ((which & bitOf(program)) == 0) continue;
@@ -87,6 +90,7 @@ class Programs {
   Verdict withSource;
   Verdict diff;  // from the sound pair to the files; the text is that of standard error
   std::string tooLong;
+  std::string wrong;  // of the Database
 
  private:
   void runOne(Program program, double mostSeconds);
@@ -99,6 +103,7 @@ class Programs {
   PairFiles files_;
   PairFiles source_;
   std::vector<Query> queries_;
+  ReaderProgram reader_;
   bool json_ = false;
 };
 
