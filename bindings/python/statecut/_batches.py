@@ -5,11 +5,12 @@ import ctypes
 from array import array
 from collections.abc import Callable, Iterable, Iterator
 from ctypes import c_char_p, c_void_p, cast
-from itertools import accumulate
+from itertools import accumulate, compress
 from typing import Any, TypeVar
 
 from ._calls import Owned, code_of, found, name_of, state_of, text_at
 from ._library import CityNameRecord, NameRecord, ZipRecord, function
+from ._records import City, made_cities
 
 _find_zips = function("find_zips")
 _find_cities = function("find_cities")
@@ -53,28 +54,42 @@ def _places(block: bytes, lengths: list[int]) -> "array[int]":
 
 
 class CityAnswers:
-    """The records of a batch."""
+    """The records of a batch, by columns."""
 
     _SIZE = ctypes.sizeof(CityNameRecord)
 
-    def __init__(self, count: int) -> None:
-        self._held = bytearray(count * self._SIZE)
+    def __init__(self, states: list[str], names: list[str]) -> None:
+        self._asked = states, names
+        self._held = bytearray(len(names) * self._SIZE)
         self.room = (ctypes.c_char * len(self._held)).from_buffer(self._held)
+
+    def _column(self, offset: int, item: str, width: int) -> list[int]:
+        if not self._held:
+            return []
+        column: list[int] = memoryview(self._held).cast(item)[
+            offset // width :: self._SIZE // width
+        ].tolist()
+        return column
 
     def keys(self) -> list[int]:
         """A key each; -1 for what was not found."""
-        if not self._held:
-            return []
-        held = memoryview(self._held)
-        keys = held.cast("I")[CityNameRecord.key.offset // 4 :: self._SIZE // 4].tolist()
-        first = CityNameRecord.name.offset // _WORD_BYTES
-        names = held.cast(_WORD)[first :: self._SIZE // _WORD_BYTES].tolist()
+        keys = self._column(CityNameRecord.key.offset, "I", 4)
+        names = self._column(CityNameRecord.name.offset, _WORD, _WORD_BYTES)
         if 0 not in names:
             return keys
         return [key if name else -1 for key, name in zip(keys, names)]
 
-    def __getitem__(self, i: int) -> CityNameRecord:
-        return CityNameRecord.from_buffer(self._held, i * self._SIZE)
+    def made(self, wanted: list[bool]) -> list[City]:
+        """The cities at the places that are wanted. What was found is what was asked for."""
+        states, names = self._asked
+        columns = (
+            map(str.__str__, states),
+            map(str.__str__, names),
+            self._column(CityNameRecord.key.offset, "I", 4),
+            self._column(CityNameRecord.city_key.offset, "I", 4),
+            self._column(CityNameRecord.value.offset, "I", 4),
+        )
+        return made_cities(*(list(compress(column, wanted)) for column in columns))
 
 
 def find_zips(handle: Owned | None, codes: Iterable[str]) -> Any:
@@ -86,15 +101,19 @@ def find_zips(handle: Owned | None, codes: Iterable[str]) -> Any:
 
 
 def find_cities(handle: Owned | None, queries: Iterable[tuple[str, str]]) -> CityAnswers:
-    pairs = list(queries)
-    states = _states([state for state, _ in pairs])
-    block, lengths = _blocked([name for _, name in pairs])
-    asked = array(_WORD, bytes(3 * len(pairs) * _WORD_BYTES))
-    asked[0::3] = array(_WORD, range(first := _address(states), first + len(states), 2))
+    states: list[str] = []
+    names: list[str] = []
+    for state, name in queries:
+        states.append(state)
+        names.append(name)
+    held = _states(states)
+    block, lengths = _blocked(names)
+    asked = array(_WORD, bytes(3 * len(names) * _WORD_BYTES))
+    asked[0::3] = array(_WORD, range(first := _address(held), first + len(held), 2))
     asked[1::3] = _places(block, lengths)
     asked[2::3] = array(_WORD, lengths)
-    answers = CityAnswers(len(pairs))
-    status = _find_cities(handle, asked.buffer_info()[0], len(pairs), answers.room)
+    answers = CityAnswers(states, names)
+    status = _find_cities(handle, asked.buffer_info()[0], len(names), answers.room)
     found(status, handle)
     return answers
 
@@ -103,15 +122,17 @@ def find_names(
     call: Any, handle: Owned | None, names: Iterable[str], make: Callable[[int, str], Item]
 ) -> list[Item | None]:
     """The streets or firms of the names."""
-    block, lengths = _blocked(list(names))
+    names = list(names)
+    block, lengths = _blocked(names)
     asked = array(_WORD, bytes(2 * len(lengths) * _WORD_BYTES))
     asked[0::2] = _places(block, lengths)
     asked[1::2] = array(_WORD, lengths)
     answers = (NameRecord * len(lengths))()
     found(call(handle, asked.buffer_info()[0], len(lengths), answers), handle)
+    # What was found is what was asked for.
     return [
-        make(answer.key, text_at(answer.name, answer.length)) if answer.name else None
-        for answer in answers
+        make(answer.key, name) if answer.name else None
+        for answer, name in zip(answers, map(str.__str__, names))
     ]
 
 

@@ -256,7 +256,15 @@ class Database:
         status = _find_city(handle, state_of(state), text, len(text), answer)
         if status and not found(status, handle):
             return None
-        return self._cities.get(answer.key) or self._city(answer)
+        key = answer.key
+        made = self._cities.get(key)
+        if made is None:
+            # What was found is what was asked for.
+            made = City(
+                str.__str__(state), str.__str__(name), key, answer.city_key, answer.value
+            )
+            self._cities[key] = made
+        return made
 
     def city_by_key(self, key: int) -> City | None:
         answer = CityNameRecord()
@@ -285,9 +293,11 @@ class Database:
         answers = _batches.find_cities(self._handle, queries)
         keys = answers.keys()
         cities = list(map(self._cities.get, keys))
-        for i, city in enumerate(cities) if None in cities else ():
-            if city is None and keys[i] != -1:
-                cities[i] = self._city(answers[i])
+        wanted = [city is None and key >= 0 for city, key in zip(cities, keys)]
+        if True in wanted:
+            for city in answers.made(wanted):
+                self._cities[city.key] = city
+            cities = list(map(self._cities.get, keys))
         return cities
 
     def city_data(self, city_key: int) -> CityData | None:
@@ -353,7 +363,8 @@ class Database:
 
     def street(self, name: str) -> Street | None:
         answer = NameRecord()
-        return Street(*self._named(answer)) if self._name("find_street", name, answer) else None
+        is_found = self._name("find_street", name, answer)
+        return Street(answer.key, str.__str__(name)) if is_found else None
 
     def street_by_key(self, key: int) -> Street | None:
         answer = NameRecord()
@@ -378,7 +389,8 @@ class Database:
 
     def firm(self, name: str) -> Firm | None:
         answer = NameRecord()
-        return Firm(*self._named(answer)) if self._name("find_firm", name, answer) else None
+        is_found = self._name("find_firm", name, answer)
+        return Firm(answer.key, str.__str__(name)) if is_found else None
 
     def firm_by_key(self, key: int) -> Firm | None:
         answer = NameRecord()

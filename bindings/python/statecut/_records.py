@@ -5,7 +5,10 @@ Keys number the records of a table. An `rba` is a byte offset in the range file,
 """
 
 import datetime
-from dataclasses import dataclass, field
+from collections import deque
+from dataclasses import dataclass, field, fields
+from itertools import repeat
+from typing import Any
 
 
 @dataclass(frozen=True, slots=True)
@@ -17,6 +20,19 @@ class City:
     key: int
     city_key: int
     value: int
+
+
+_NEW: Any = object.__new__
+_CITY_SLOTS = [getattr(City, each.name).__set__ for each in fields(City)]
+
+
+def made_cities(*columns: list[Any]) -> list[City]:
+    """Cities of columns in the order of the fields. A frozen field is set by its slot, which takes
+    a third of the time that __init__ takes."""
+    cities: list[City] = list(map(_NEW, repeat(City, len(columns[0]))))
+    for put, column in zip(_CITY_SLOTS, columns):
+        deque(map(put, cities, column), maxlen=0)
+    return cities
 
 
 @dataclass(frozen=True, slots=True)
