@@ -22,6 +22,7 @@ void measure(LookupSetup& setup) {
   measureNamesOnDisk(setup, kinds);
   measureCache(setup);
   measureOpening(setup, kinds.front());
+  measureReader(setup, kinds);  // last: it changes how memory is taken
 }
 
 // Options with a value each, then names of rows.

@@ -33,5 +33,7 @@ void measureZipsInMemory(LookupSetup& setup);
 void measureNamesOnDisk(LookupSetup& setup, const std::vector<Names>& kinds);
 void measureCache(LookupSetup& setup);
 void measureOpening(LookupSetup& setup, const Names& cities);
+// The rows of a Database.
+void measureReader(LookupSetup& setup, const std::vector<Names>& kinds);
 
 }  // namespace statecut::bench
