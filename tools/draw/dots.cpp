@@ -19,18 +19,14 @@ struct Cell {
   auto operator<=>(const Cell&) const = default;
 };
 
-// Strokes of no length are dots by their round caps; cells side by side are one stroke.
+// Strokes of no length are dots by their round caps.
 std::string pathOf(const std::set<Cell>& cells) {
   std::string path;
-  int atX = 0, atY = 0;
-  for (auto cell = cells.begin(); cell != cells.end();) {
-    auto last = cell, next = std::next(cell);
-    while (next != cells.end() && next->y == cell->y && next->x == last->x + 1) last = next++;
-    path += 'm' + std::to_string(cell->x - atX) + (cell->y >= atY ? " " : "") +
-            std::to_string(cell->y - atY) + 'h' + std::to_string(last->x - cell->x);
-    atX = last->x;
-    atY = cell->y;
-    cell = next;
+  Cell at;
+  for (const Cell& cell : cells) {
+    path += 'm' + std::to_string(cell.x - at.x) + (cell.y >= at.y ? " " : "") +
+            std::to_string(cell.y - at.y) + "h0";
+    at = cell;
   }
   return path;
 }

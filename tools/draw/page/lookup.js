@@ -78,6 +78,7 @@
   const look = () => {
     const text = box.value.trim().toUpperCase();
     answers.replaceChildren();
+    answers.hidden = true;
     if (!text) {
       found.textContent = '';
       map.mark([]);
@@ -89,6 +90,7 @@
     found.textContent = result.length === 0 ? `Nothing found for ${text}.`
       : result.length > kMost ? `${told}, the first ${kMost}:` : `${told}:`;
     const first = result.slice(0, kMost);
+    answers.hidden = first.length === 0;
     answers.append(...first.map(isCode ? zipEntry : cityEntry));
     map.mark(isCode ? first : first.flatMap(zipsOf).slice(0, 400));
   };
