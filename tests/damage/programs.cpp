@@ -170,7 +170,8 @@ void Programs::info() {
   std::ostringstream out;
   std::ostringstream err;
   json_ = !json_;
-  static_cast<void>(info::run({files_.ref(), files_.rng()}, json_, out, err));
+  static_cast<void>(info::run({files_.ref(), files_.rng()},
+                              {.json = json_, .tsv = info::Tsv::None, .key = ""}, out, err));
 }
 
 void Programs::difference() {

@@ -2,6 +2,7 @@
 #include <map>
 
 #include "dbfiles/controlrec.h"
+#include "format/areas.h"
 #include "format/directory.h"
 #include "info/info.h"
 #include "tables/rows.h"
@@ -74,21 +75,14 @@ void describeStates(std::span<const unsigned char> bytes, FileInfo& file) {
 }
 
 void describeAreas(const RngControlRec& record, std::uint64_t fileBytes, FileInfo& file) {
-  const auto area = [&](const char* name, auto startField, auto bytesField) {
-    const std::uint64_t start = record.get(startField);
-    const std::uint64_t bytes = record.get(bytesField);
-    const bool fits = bytes == 0 || (start >= G::size && start + bytes <= fileBytes);
-    file.tables.push_back({name, static_cast<std::uint32_t>(start), 0, bytes, fits});
+  for (const format::Area& area : format::areasOf(record)) {
+    const bool fits = area.bytes == 0 ||
+                      (area.rba >= G::size && std::uint64_t{area.rba} + area.bytes <= fileBytes);
+    file.tables.push_back({area.name, area.rba, 0, area.bytes, fits});
     // A cut keeps the areas of its source.
     if (!fits && !file.stateCut)
-      file.damage.push_back(std::string(name) + " lies outside the file");
-  };
-  area("SFH ZIP partitions", G::sfhZipStart, G::sfhZipBytes);
-  area("SFH multi-ZIP partitions", G::sfhMultiZipStart, G::sfhMultiZipBytes);
-  area("POB ZIP partitions", G::pobZipStart, G::pobZipBytes);
-  area("POB multi-ZIP partitions", G::pobMultiZipStart, G::pobMultiZipBytes);
-  area("RR ZIP partitions", G::rrZipStart, G::rrZipBytes);
-  area("RR multi-ZIP partitions", G::rrMultiZipStart, G::rrMultiZipBytes);
+      file.damage.push_back(std::string(area.name) + " lies outside the file");
+  }
 }
 
 }  // namespace

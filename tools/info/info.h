@@ -47,7 +47,27 @@ FileInfo describe(const std::string& path, std::span<const unsigned char> bytes)
 void printText(std::ostream& out, const FileInfo& file);
 void printJson(std::ostream& out, const std::vector<FileInfo>& files);
 
-// 0 all files are sound, 1 some file is damaged or no database, 2 some file can't be opened.
-int run(const std::vector<std::string>& paths, bool json, std::ostream& out, std::ostream& err);
+// One value of the JSON of a file: "zipCodes", "tables.City Data.bytes", "states.TX.zips". False
+// when there is no such key, or more than one value.
+bool printValue(std::ostream& out, const FileInfo& file, const std::string& key);
+
+// Lines with tabs: FILE TABLE RBA COUNT BYTES, and FILE ZIP KIND BYTES of the partitions that the
+// ZIP codes of a reference file have. What is unknown is empty: the counts of areas, the bytes in a
+// cut.
+enum class Tsv { None, Tables, Zips };
+void printTsvHeader(std::ostream& out, Tsv which);
+void printTsvTables(std::ostream& out, const FileInfo& file);
+void printTsvZips(std::ostream& out, const FileInfo& file, std::span<const unsigned char> bytes);
+
+struct Show {
+  bool json = false;
+  Tsv tsv = Tsv::None;
+  std::string key;  // of the one value that is asked for
+};
+
+// 0 all files are sound, 1 some file is damaged or no database, 2 some file can't be opened or has
+// no such value.
+int run(const std::vector<std::string>& paths, const Show& show, std::ostream& out,
+        std::ostream& err);
 
 }  // namespace statecut::info

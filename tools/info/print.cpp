@@ -130,6 +130,36 @@ void printText(std::ostream& out, const FileInfo& file) {
   if (!file.states.empty()) printStates(out, file);
 }
 
+// The keys stand in the manual: scripts read them. An element of a list goes by its name or state.
+bool printValue(std::ostream& out, const FileInfo& file, const std::string& key) {
+  using nlohmann::ordered_json;
+  const ordered_json document = toJson(file);
+  const ordered_json* at = &document;
+  for (std::size_t from = 0; from <= key.size();) {
+    const std::size_t end = std::min(key.find('.', from), key.size());
+    const std::string word = key.substr(from, end - from);
+    from = end + 1;
+    if (at->is_object() && at->contains(word)) {
+      at = &(*at)[word];
+      continue;
+    }
+    if (!at->is_array()) return false;
+    const auto found = std::find_if(at->begin(), at->end(), [&](const ordered_json& one) {
+      return one.is_object() && (one.value("name", "") == word || one.value("state", "") == word);
+    });
+    if (found == at->end()) return false;
+    at = &*found;
+  }
+  if (at->is_structured()) return false;
+  if (at->is_string())
+    out << at->get_ref<const std::string&>() << '\n';
+  else if (at->is_null())
+    out << '\n';
+  else
+    out << at->dump() << '\n';
+  return true;
+}
+
 void printJson(std::ostream& out, const std::vector<FileInfo>& files) {
   using nlohmann::ordered_json;
   ordered_json document = {{"files", ordered_json::array()}};

@@ -42,7 +42,7 @@ class Info : public testing::Test {
   int run(const std::vector<std::string>& paths, bool json = false) {
     out.str("");
     err.str("");
-    return info::run(paths, json, out, err);
+    return info::run(paths, {.json = json, .tsv = info::Tsv::None, .key = ""}, out, err);
   }
 
   TempDir folder;
