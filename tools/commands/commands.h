@@ -13,6 +13,7 @@ void addPlanCommand(CLI::App& app, int& status);
 void addCutsCommand(CLI::App& app, int& status);
 void addDiffCommand(CLI::App& app, int& status);
 void addDrawCommand(CLI::App& app, int& status);
+void addExportCommand(CLI::App& app, int& status);
 void addQueryCommand(CLI::App& app, int& status);
 void addLookupCommands(CLI::App& app, int& status);  // the short forms: zip, city, street, firm
 void addCompletionCommand(CLI::App& app, int& status);

@@ -35,6 +35,7 @@ int runStatedb(int argc, char** argv) {
   addCutsCommand(app, status);
   addDiffCommand(app, status);
   addDrawCommand(app, status);
+  addExportCommand(app, status);
   addQueryCommand(app, status);
   addLookupCommands(app, status);
   addCompletionCommand(app, status);

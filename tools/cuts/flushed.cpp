@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "cuts/descriptor.h"
+#include "cuts/partfile.h"
 
 namespace statecut::cuts {
 
@@ -25,17 +26,9 @@ void beginFlush(const std::string& path) {
 
 bool replaceFile(const std::string& folder, const std::string& name, const std::string& text,
                  std::string& error) {
-  const std::string path = folder + "/" + name;
-  const std::string part = folder + "/." + name + ".part";
-  Descriptor fd(::open(part.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-  if (!fd) return failed(part, error);
-  if (!writeAll(fd.get(), text) || ::fsync(fd.get()) != 0 ||
-      ::rename(part.c_str(), path.c_str()) != 0) {
-    failed(path, error);
-    ::unlink(part.c_str());
-    return false;
-  }
-  return flush(folder, error);
+  PartFile part(folder, name, error);
+  return !part.path().empty() && part.write(text, error) && part.flush(error) &&
+         part.publish(error) && flush(folder, error);
 }
 
 bool publishFolder(const std::string& parent, const std::string& from, const std::string& to,

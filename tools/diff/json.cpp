@@ -3,6 +3,7 @@
 
 #include "diff/diff.h"
 #include "diff/texts.h"
+#include "format/latin1.h"
 
 namespace statecut::diff {
 
@@ -10,20 +11,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// Bytes as characters U+0000 to U+00FF.
-std::string utf8Of(std::string_view bytes) {
-  std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      text += c;
-    } else {
-      text += static_cast<char>(0xC0 | (byte >> 6));
-      text += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
-  return text;
-}
+using format::utf8Of;
 
 ordered_json cityJson(std::string_view city) {
   if (city.empty()) return nullptr;

@@ -1,5 +1,7 @@
 #include "format/directory.h"
 
+#include <algorithm>
+
 #include "dbfiles/controlrec.h"
 #include "tables/rows.h"
 
@@ -75,18 +77,6 @@ constexpr TableDef kDefs[] = {
 };
 static_assert(std::size(kDefs) == kTables);
 
-// The military table has two parts, each with its own count; the zones have one.
-void sizeByHeader(TableId id, std::span<const unsigned char> file, TablePlace& place) {
-  const std::size_t header = id == TableId::Military ? 4 : 2;
-  place.bytes = header;
-  if (place.rba + header > file.size()) return;
-  const unsigned char* at = file.data() + place.rba;
-  const std::uint64_t first = le::get<2>(at);
-  const std::uint64_t second = id == TableId::Military ? le::get<2>(at + 2) : 0;
-  place.count = first + second;
-  place.bytes += id == TableId::Military ? first * 38 + second * 42 : first * 2;
-}
-
 bool liesInside(const TablePlace& place, std::uint64_t fileBytes) {
   return place.bytes == 0 ||
          (place.rba >= RefControlRec::size && place.rba + place.bytes <= fileBytes);
@@ -114,16 +104,31 @@ TablePlace placeTable(TableId id, const RefControlRec& record, std::uint64_t fil
   return place;
 }
 
+// The military table has two parts, each with its own count; the zones have one.
+std::size_t headerBytes(TableId id) { return id == TableId::Military ? 4 : 2; }
+
+TablePlace placeTable(TableId id, std::uint32_t rba, std::span<const unsigned char> header,
+                      std::uint64_t fileBytes) {
+  TablePlace place;
+  place.rba = rba;
+  place.carried = rba != 0;
+  if (!place.carried) return place;
+  place.bytes = headerBytes(id);
+  if (header.size() >= headerBytes(id)) {
+    const std::uint64_t first = le::get<2>(header.data());
+    const std::uint64_t second = id == TableId::Military ? le::get<2>(header.data() + 2) : 0;
+    place.count = first + second;
+    place.bytes += id == TableId::Military ? first * 38 + second * 42 : first * 2;
+  }
+  place.fits = liesInside(place, fileBytes);
+  return place;
+}
+
 TablePlace placeTable(TableId id, std::span<const unsigned char> file) {
   const auto& record = *reinterpret_cast<const RefControlRec*>(file.data());
   if (tableDef(id).sizing != Sizing::OwnHeader) return placeTable(id, record, file.size());
-  TablePlace place;
-  place.rba = le::get<4>(file.data() + tableDef(id).rbaAt);
-  place.carried = place.rba != 0;
-  if (!place.carried) return place;
-  sizeByHeader(id, file, place);
-  place.fits = liesInside(place, file.size());
-  return place;
+  const std::uint32_t rba = le::get<4>(file.data() + tableDef(id).rbaAt);
+  return placeTable(id, rba, file.subspan(std::min<std::size_t>(rba, file.size())), file.size());
 }
 
 }  // namespace statecut::format

@@ -87,6 +87,13 @@ struct TablePlace {
 // Places a table without a header of its own in a file of so many bytes.
 TablePlace placeTable(TableId id, const RefControlRec& record, std::uint64_t fileBytes);
 
+// Places a table with a header of its own by that header, of which bytes may be missing. An RBA of
+// 0 stands for no table.
+inline constexpr std::size_t kMostHeaderBytes = 4;
+std::size_t headerBytes(TableId id);
+TablePlace placeTable(TableId id, std::uint32_t rba, std::span<const unsigned char> header,
+                      std::uint64_t fileBytes);
+
 // Places any table of the reference file `file`, which holds at least its control record.
 TablePlace placeTable(TableId id, std::span<const unsigned char> file);
 

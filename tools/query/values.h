@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "format/latin1.h"
 #include "lookup/cities.h"
 
 namespace statecut::query {
@@ -45,7 +46,6 @@ const char* argFromJson(const nlohmann::json& value, ArgKind kind, Arg& arg);
 // Numbers are decimal, lists separated by commas; text is taken byte by byte.
 const char* argFromText(std::string_view text, ArgKind kind, Arg& arg);
 
-// The bytes of a UTF-8 text whose characters are U+0000 to U+00FF; false for any other.
-[[nodiscard]] bool bytesOfUtf8(std::string_view utf8, std::string& bytes);
+using format::bytesOfUtf8;
 
 }  // namespace statecut::query
