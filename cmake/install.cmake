@@ -14,7 +14,7 @@ set(fish_dir ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 set(completion_dirs ${bash_dir} ${STATECUT_ZSH_DIR} ${fish_dir})
 
 # Notes the folders that `uninstall` takes away: the project's own, and those that are not there yet.
-set(own_dirs ${CMAKE_INSTALL_DATADIR}/statecut ${package_dir} ${header_dir} ${python_dir}/statecut
+set(own_dirs ${CMAKE_INSTALL_DATADIR}/statecut ${CMAKE_INSTALL_LIBDIR}/statecut ${package_dir} ${header_dir} ${python_dir}/statecut
   ${CMAKE_INSTALL_DOCDIR})
 set(shared_dirs ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} ${pkgconfig_dir} ${man_dirs}
   ${completion_dirs})
@@ -27,6 +27,7 @@ include("@CMAKE_CURRENT_LIST_DIR@/notefolders.cmake")
 install(CODE "${note_folders}" ALL_COMPONENTS)
 
 install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+install(TARGETS mod_statecut LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/statecut COMPONENT library)
 include(${CMAKE_CURRENT_LIST_DIR}/completions.cmake)
 foreach(page IN LISTS manuals)
   cmake_path(GET page EXTENSION LAST_ONLY section)

@@ -6,6 +6,7 @@ namespace statecut::test {
 
 extern const char kStatecut[];      // the program statecut
 extern const char kStatedb[];       // the program statedb
+extern const char kSqliteModule[];  // mod_statecut
 extern const char kSourceFolder[];  // the top of the source tree
 
 }  // namespace statecut::test

@@ -31,7 +31,7 @@ void addExportCommand(CLI::App& app, int& status) {
       ->required()
       ->type_name("FORMAT")
       ->transform(CLI::Transformer(kFormats, CLI::ignore_case).description(""));
-  command->add_option("-o", options->out, "File, or folder of several; - is standard output")
+  command->add_option("-o,--out", options->out, "File, or folder of several; - is standard output")
       ->required()
       ->type_name("FILE");
   command->footer(
