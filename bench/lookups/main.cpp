@@ -23,6 +23,7 @@ void measure(LookupSetup& setup) {
   measureCache(setup);
   measureOpening(setup, kinds.front());
   measureReader(setup, kinds);  // last: it changes how memory is taken
+  measureSql(setup);
 }
 
 // Options with a value each, then names of rows.

@@ -35,5 +35,6 @@ void measureCache(LookupSetup& setup);
 void measureOpening(LookupSetup& setup, const Names& cities);
 // The rows of a Database.
 void measureReader(LookupSetup& setup, const std::vector<Names>& kinds);
+void measureSql(LookupSetup& setup);
 
 }  // namespace statecut::bench
