@@ -1,6 +1,7 @@
 // zip, and which cities have which ZIP codes.
 
 #include <algorithm>
+#include <new>
 
 #include "relations/names.h"
 #include "relations/zipwalk.h"
@@ -153,9 +154,7 @@ class CityZipRows : public Cursor {
         return walk_.startZips(one.low, one.low);
       case 1:
         onlyCity_ = one.low;
-        zips_ = one.low > 0xFFFF
-                    ? std::span<const std::uint16_t>()
-                    : source_.database().zipsOfCity(static_cast<std::uint32_t>(one.low));
+        zips_ = zipsOf(one.low);
         return walk_.startNone();
       case 2:
         onlyPlace_ = one.low % kMostCities;
@@ -203,6 +202,13 @@ class CityZipRows : public Cursor {
     cities_ = {};
     place_ = SIZE_MAX;
     fault_ = Error();
+  }
+
+  [[nodiscard]] std::span<const std::uint16_t> zipsOf(std::uint64_t cityKey) const {
+    if (cityKey > 0xFFFF) return {};
+    const auto zips = source_.database().zipsOfCity(static_cast<std::uint32_t>(cityKey));
+    if (!zips) throw std::bad_alloc();
+    return *zips;
   }
 
   [[nodiscard]] std::uint32_t cityAt(std::size_t place) const {
