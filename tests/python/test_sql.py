@@ -10,7 +10,7 @@ import subprocess
 import unittest
 from typing import Any
 
-import apsw  # type: ignore[import-untyped, unused-ignore]
+import apsw
 
 import support
 
