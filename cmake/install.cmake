@@ -27,7 +27,7 @@ include("@CMAKE_CURRENT_LIST_DIR@/notefolders.cmake")
 install(CODE "${note_folders}" ALL_COMPONENTS)
 
 install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
-install(TARGETS mod_statecut LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/statecut COMPONENT library)
+install(TARGETS mod_statecut LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/statecut COMPONENT programs)
 include(${CMAKE_CURRENT_LIST_DIR}/completions.cmake)
 foreach(page IN LISTS manuals)
   cmake_path(GET page EXTENSION LAST_ONLY section)
