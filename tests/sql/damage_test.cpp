@@ -11,7 +11,7 @@
 namespace statecut::test {
 namespace {
 
-// Cannot be opened, cannot be read, is damaged; and a partition that SQLite takes no such blob for.
+// Cannot be opened, cannot be read, is damaged.
 bool isErrorOfAFile(const std::string& answer) {
   return answer.starts_with("error 14: ") || answer.starts_with("error 10: ") ||
          answer.starts_with("error 267: ");
