@@ -1,5 +1,5 @@
 # What `cmake --install` puts down, in components that are the packages of debian/: programs (with their
-# manual pages and completions), data, library (what programs load), development, python, documents.
+# manual pages and completions), data, library (what programs load), development, python, sqlite, documents.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/statecut)
@@ -27,7 +27,7 @@ include("@CMAKE_CURRENT_LIST_DIR@/notefolders.cmake")
 install(CODE "${note_folders}" ALL_COMPONENTS)
 
 install(TARGETS statecut statedb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
-install(TARGETS mod_statecut LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/statecut COMPONENT programs)
+install(TARGETS mod_statecut LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/statecut COMPONENT sqlite)
 include(${CMAKE_CURRENT_LIST_DIR}/completions.cmake)
 foreach(page IN LISTS manuals)
   cmake_path(GET page EXTENSION LAST_ONLY section)

@@ -36,16 +36,13 @@ std::string zshOption(const Option& option, const std::string& function) {
   for (int i = 0; i < option.values; ++i)
     tail +=
         ":" + zshEscaped(option.names.back().substr(2)) + ":" + zshAction(option.value, function);
+  const char* equals = option.values == 1 ? "=" : "";
   const bool ends = option.names.back() == "--help" || option.names.back() == "--version";
   std::string spec;
   for (const std::string& name : option.names) {
-    const bool equals = option.values == 1 && name.starts_with("--");
-    spec += "    " +
-            quoted((ends             ? "(- *)"
-                    : option.repeats ? "*"
-                                     : "") +
-                   name + (equals ? "=" : "") + tail) +
-            " \\\n";
+    std::string word = ends ? "(- *)" : option.repeats ? "*" : "";
+    word.append(name).append(name.starts_with("--") ? equals : "").append(tail);
+    spec += "    " + completion::quoted(word) + " \\\n";
   }
   return spec;
 }
