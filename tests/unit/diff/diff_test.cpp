@@ -18,9 +18,9 @@ namespace statecut::test {
 namespace {
 
 // The quick tier takes a sample: unoptimised and sanitized, a comparison costs a tenth of a second.
-const std::uint64_t kSeeds = longRun() ? 60 : 10;
-const std::uint64_t kOddSeeds = longRun() ? 400 : 60;
-const std::uint64_t kCutSeeds = longRun() ? 20 : 5;
+const std::uint64_t kSeeds = longRun() ? 60 : 7;
+const std::uint64_t kOddSeeds = longRun() ? 400 : 45;
+const std::uint64_t kCutSeeds = longRun() ? 20 : 4;
 
 class Diff : public testing::Test {
  protected:
