@@ -84,12 +84,14 @@ std::array<std::uint64_t, kKindCount> sharedBytes(const Release& release,
   return sums;
 }
 
+constexpr std::size_t kSumCount = 2 * kKindCount;
+
 // By kind: of single ZIP codes, then shared.
-std::array<std::uint64_t, 2 * kKindCount> rangeSums(const Release& release) {
+std::array<std::uint64_t, kSumCount> rangeSums(const Release& release) {
   const Partitions partitions(release);
   const auto single = singleBytes(release, partitions);
   const auto shared = sharedBytes(release, partitions);
-  std::array<std::uint64_t, 2 * kKindCount> sums = {};
+  std::array<std::uint64_t, kSumCount> sums = {};
   for (std::size_t i = 0; i < kKindCount; ++i) {
     sums[2 * i] = single[i];
     sums[2 * i + 1] = shared[i];
@@ -172,7 +174,7 @@ File rangeFile(const Release& release, const Release* cut) {
   const std::uint64_t control = RngControlRec::size;
   file.pieces.push_back({"Control record", Family::Other, control, cut != nullptr ? control : 0});
   const auto whole = rangeSums(release);
-  const auto kept = cut != nullptr ? rangeSums(*cut) : std::array<std::uint64_t, 2 * kKindCount>{};
+  const auto kept = cut != nullptr ? rangeSums(*cut) : std::array<std::uint64_t, kSumCount>{};
   for (std::size_t i = 0; i < std::size(kPieces); ++i)
     file.pieces.push_back({kPieces[i].name, kPieces[i].family, whole[i], kept[i]});
   addRest(file, cut != nullptr);

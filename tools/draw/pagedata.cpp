@@ -69,8 +69,9 @@ ordered_json namesOf(const Figures& figures) {
       runs.push_back({state, shown(name.name)});
     else
       runs.back()[1].get_ref<std::string&>() += "\n" + shown(name.name);
-    putNumber(known, name.known <= i ? 2 * std::uint64_t{i - name.known}
-                                     : 2 * std::uint64_t{name.known - i} - 1);
+    const bool before = name.known <= i;
+    const std::uint64_t away = before ? i - name.known : name.known - i;
+    putNumber(known, before ? 2 * away : 2 * away - 1);
   }
   return {{"runs", std::move(runs)}, {"known", base64(known)}};
 }

@@ -1,6 +1,8 @@
 #include "draw/tones.h"
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include "draw/names.h"
 
@@ -42,13 +44,13 @@ void setTone(Mode& mode, std::size_t tone) {
 Mode byBytes(const Figures& figures) {
   Mode mode{"bytes", "Bytes of each ZIP code", {{"none", "no partition"}}, {}};
   const std::vector<std::uint64_t> bounds = levelBounds(figures);
-  for (std::size_t i = 0; i <= bounds.size(); ++i) {
-    // Few levels are spread over the colours.
-    const std::size_t colour = bounds.empty() ? kLevels - 1 : i * (kLevels - 1) / bounds.size();
-    mode.tones.push_back({"level" + std::to_string(colour),
-                          i < bounds.size() ? "up to " + bytesText(bounds[i])
-                                            : (bounds.empty() ? "any bytes" : "more")});
-  }
+  const auto addLevel = [&mode](std::size_t colour, std::string text) {
+    mode.tones.push_back({"level" + std::to_string(colour), std::move(text)});
+  };
+  // Few levels are spread over the colours.
+  for (std::size_t i = 0; i < bounds.size(); ++i)
+    addLevel(i * (kLevels - 1) / bounds.size(), "up to " + bytesText(bounds[i]));
+  addLevel(kLevels - 1, bounds.empty() ? "any bytes" : "more");
   for (const Zip& zip : figures.zips) {
     const std::uint64_t bytes = zip.allBytes();
     if (zip.dropped)
