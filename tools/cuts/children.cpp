@@ -55,8 +55,7 @@ std::string findProgram(const std::string& name) {
   std::error_code ignored;
   const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ignored);
   const auto runs = [](const std::string& path) { return ::access(path.c_str(), X_OK) == 0; };
-  if (const std::string beside = (self.parent_path() / name).string();
-      !self.empty() && runs(beside))
+  if (std::string beside = (self.parent_path() / name).string(); !self.empty() && runs(beside))
     return beside;
   const char* path = std::getenv("PATH");
   std::string folders = path == nullptr ? "" : path;
