@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace statecut::diff {
@@ -34,7 +35,11 @@ struct RenamedCity {
 struct OtherName {
   std::string_view name;
   std::string_view city;  // empty: none
-  auto operator<=>(const OtherName&) const = default;
+
+  bool operator==(const OtherName&) const = default;
+  bool operator<(const OtherName& other) const {
+    return std::tie(name, city) < std::tie(other.name, other.city);
+  }
 };
 
 enum class Kind : std::uint8_t { Sfh, Pob, Rr };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "draw/names.h"
@@ -16,7 +17,8 @@ constexpr double kCell = 2.5;  // units of the map
 
 struct Cell {
   int y = 0, x = 0;
-  auto operator<=>(const Cell&) const = default;
+
+  bool operator<(const Cell& other) const { return std::tie(y, x) < std::tie(other.y, other.x); }
 };
 
 // Strokes of no length are dots by their round caps.
