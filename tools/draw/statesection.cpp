@@ -75,6 +75,7 @@ std::string stateRow(const Figures& figures, const State& state, std::uint64_t m
 
 std::vector<const State*> byName(const std::vector<State>& states) {
   std::vector<const State*> sorted;
+  sorted.reserve(states.size());
   for (const State& state : states) sorted.push_back(&state);
   std::stable_sort(sorted.begin(), sorted.end(),
                    [](const State* a, const State* b) { return a->name < b->name; });
