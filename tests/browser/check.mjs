@@ -35,7 +35,7 @@ const open = async (browser, file) => {
   page.on('request', (request) => heard.push(`request: ${request.url().slice(0, 200)}`));
   const address = pathToFileURL(path.join(reports, file)).href;
   await page.setViewport({width: 1280, height: 900});
-  await page.goto(address, {waitUntil: 'load'});
+  await page.goto(address, {waitUntil: 'load', timeout: 300_000});
   return {page, unexpected: () => heard.filter((line) => line !== `request: ${address}`)};
 };
 
@@ -226,7 +226,9 @@ const checkTheCheck = async (browser) => {
   await page.close();
 };
 
-const browser = await puppeteer.launch({executablePath, args: ['--no-sandbox', '--disable-gpu', '--hide-scrollbars']});
+// A busy machine takes minutes for a picture of a long page.
+const browser = await puppeteer.launch(
+  {executablePath, protocolTimeout: 900_000, args: ['--no-sandbox', '--disable-gpu', '--hide-scrollbars']});
 try {
   await checkTheCheck(browser);
   for (const file of readdirSync(reports).sort())
