@@ -146,14 +146,16 @@ TEST_F(Binaries, EndByThemselvesOnACountOfALargeTable) {
 
 // Range files are passed over, and do not pile up.
 TEST_F(Binaries, ADifferenceTakesTheMemoryOfTheReferenceFiles) {
-  if (kSanitized) GTEST_SKIP() << "a sanitizer takes its own memory";
   constexpr long kMostKiB = 48L << 10;
   const std::string folder = buildSmall(64);
   expectEnd(kStatedb,
             {"diff", folder + "/city.dir", folder + "/city.dir", "--rng", folder + "/zip4us.dir",
              folder + "/zip4us.dir"},
             {0}, 60.0);
-  EXPECT_LT(childUsage().ru_maxrss, kMostKiB);
+  // A sanitizer takes memory of its own: there the run has to end well.
+  if (!kSanitized) {
+    EXPECT_LT(childUsage().ru_maxrss, kMostKiB);
+  }
 }
 
 }  // namespace

@@ -4,7 +4,7 @@ namespace statecut::completion {
 
 namespace {
 
-// What stands in the brackets or behind the colon of a specification.
+// What stands in the brackets or behind the colon of an argument of _arguments.
 std::string zshEscaped(const std::string& text) {
   std::string word;
   for (const char c : text) {
@@ -38,24 +38,24 @@ std::string zshOption(const Option& option, const std::string& function) {
         ":" + zshEscaped(option.names.back().substr(2)) + ":" + zshAction(option.value, function);
   const char* equals = option.values == 1 ? "=" : "";
   const bool ends = option.names.back() == "--help" || option.names.back() == "--version";
-  std::string spec;
+  std::string lines;
   for (const std::string& name : option.names) {
     std::string word = ends ? "(- *)" : option.repeats ? "*" : "";
     word.append(name).append(name.starts_with("--") ? equals : "").append(tail);
-    spec += "    " + completion::quoted(word) + " \\\n";
+    lines += "    " + completion::quoted(word) + " \\\n";
   }
-  return spec;
+  return lines;
 }
 
 std::string zshArguments(const Command& command, const std::string& function) {
-  std::string specs;
-  for (const Option& option : command.options) specs += zshOption(option, function);
+  std::string lines;
+  for (const Option& option : command.options) lines += zshOption(option, function);
   for (const Argument& argument : command.arguments)
-    specs += "    " +
+    lines += "    " +
              quoted((argument.repeats ? "*:" : ":") + zshEscaped(argument.name) + ":" +
                     zshAction(argument.value, function)) +
              " \\\n";
-  return specs;
+  return lines;
 }
 
 }  // namespace
